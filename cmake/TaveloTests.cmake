@@ -1,0 +1,36 @@
+# SPDX-License-Identifier: MIT
+
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+# What every test runs with, whatever the user's own settings.
+set(TAVELO_TEST_ENVIRONMENT
+    "LC_ALL=C.UTF-8"
+    "TZ=Europe/Berlin"
+    "QT_QPA_PLATFORM=offscreen"
+    "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/Support/leaks.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "TSAN_OPTIONS=halt_on_error=1")
+
+# A test program from a list of files, one CTest test for each of its cases.
+#   tavelo_add_tests(NAME file.cpp... LIBRARIES library... [PROGRAMS target...])
+# The programs are built first; each one's path is in the environment as TAVELO_TEST_<NAME>.
+function(tavelo_add_tests name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "LIBRARIES;PROGRAMS" ${ARGN})
+  add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE tavelo_options GTest::gmock ${ARG_LIBRARIES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/Tests)
+  set(environment ${TAVELO_TEST_ENVIRONMENT})
+  foreach(program IN LISTS ARG_PROGRAMS)
+    add_dependencies(${name} ${program})
+    string(TOUPPER ${program} variable)
+    string(REPLACE "-" "_" variable ${variable})
+    list(APPEND environment "TAVELO_TEST_${variable}=$<TARGET_FILE:${program}>")
+  endforeach()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                       PROPERTIES ENVIRONMENT "${environment}" TIMEOUT ${ARG_TIMEOUT})
+endfunction()
