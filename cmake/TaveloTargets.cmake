@@ -25,7 +25,14 @@ if(TAVELO_SANITIZE)
                                                   -fno-sanitize-recover=all)
   target_link_options(tavelo_options INTERFACE -fsanitize=${TAVELO_SANITIZE})
   # The sanitizers' own checks confuse the compiler's flow analysis into false reports.
-  target_compile_options(tavelo_options INTERFACE -Wno-null-dereference -Wno-maybe-uninitialized)
+  target_compile_options(tavelo_options INTERFACE -Wno-null-dereference
+                                                     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+endif()
+
+if(TAVELO_BUILD_FUZZERS)
+  # The fuzzer learns from what runs in the libraries.
+  target_compile_options(tavelo_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(tavelo_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # The headers of a library, checked to compile alone.

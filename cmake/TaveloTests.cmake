@@ -14,10 +14,10 @@ set(TAVELO_TEST_ENVIRONMENT
     "TSAN_OPTIONS=halt_on_error=1")
 
 # A test program from a list of files, one CTest test for each of its cases.
-#   tavelo_add_tests(NAME file.cpp... LIBRARIES library... [PROGRAMS target...])
+#   tavelo_add_tests(NAME file.cpp... LIBRARIES library... [PROGRAMS target...] [TIMEOUT seconds] [LABELS label])
 # The programs are built first; each one's path is in the environment as TAVELO_TEST_<NAME>.
 function(tavelo_add_tests name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "LIBRARIES;PROGRAMS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT;LABELS" "LIBRARIES;PROGRAMS" ${ARGN})
   add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE tavelo_options GTest::gmock ${ARG_LIBRARIES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/Tests)
@@ -31,6 +31,13 @@ function(tavelo_add_tests name)
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES ENVIRONMENT "${environment}" TIMEOUT ${ARG_TIMEOUT})
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  # Discovery would take a property that is a list apart, so these are set by a script that runs after it.
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}Properties.cmake)
+  file(GENERATE OUTPUT ${script} CONTENT
+"foreach(test IN LISTS ${name}_TESTS)
+  set_tests_properties(\"\${test}\" PROPERTIES ENVIRONMENT \"${environment}\" LABELS \"${ARG_LABELS}\")
+endforeach()
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
 endfunction()

@@ -39,8 +39,10 @@ std::optional<std::int64_t> twoDigits(std::string_view text) {
 
 constexpr MonthDay leapDay{2, 29};
 
-// Noon of the day that lies `extraDays` after the given one, as the C library normalises it.
-std::optional<std::tm> noon(const DiaryDay &day, std::int64_t extraDays) {
+// Noon of the day that lies `extraDays` after the given one, as the C library normalises it: by mktime in the
+// local time zone, by timegm in the bare calendar, where no zone leaves out a day.
+std::optional<std::tm> noon(const DiaryDay &day, std::int64_t extraDays,
+                            std::time_t (*normalise)(std::tm *)) {
     const auto asInt = [](std::int64_t value) -> std::optional<int> {
         if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max())
             return std::nullopt;
@@ -68,7 +70,7 @@ std::optional<std::tm> noon(const DiaryDay &day, std::int64_t extraDays) {
     parts.tm_isdst = -1;
     // -1 is also a valid instant, one second before 1970; the weekday tells success apart.
     parts.tm_wday = -1;
-    std::mktime(&parts);
+    normalise(&parts);
     if (parts.tm_wday < 0)
         return std::nullopt;
     return parts;
@@ -150,28 +152,29 @@ DiaryDay DiaryDay::today() {
     return containing(std::chrono::system_clock::now());
 }
 
-DiaryDay DiaryDay::containing(Instant instant) {
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(instant);
+DiaryDay DiaryDay::containing(std::chrono::sys_seconds instant) {
+    const std::time_t seconds = instant.time_since_epoch().count();
     std::tm parts{};
     localtime_r(&seconds, &parts);
     return fromParts(parts);
 }
 
-DiaryDay::Instant DiaryDay::date() const {
-    auto parts = noon(*this, 0);
+std::chrono::sys_seconds DiaryDay::date() const {
+    using namespace std::chrono;
+    auto parts = noon(*this, 0, std::mktime);
     if (!parts)
-        return std::chrono::system_clock::now();
-    return std::chrono::system_clock::from_time_t(std::mktime(&*parts));
+        return floor<seconds>(system_clock::now());
+    return sys_seconds(seconds(std::mktime(&*parts)));
 }
 
 int DiaryDay::weekday() const {
-    if (const auto parts = noon(*this, 0))
+    if (const auto parts = noon(*this, 0, timegm))
         return parts->tm_wday + 1;
     return containing(date()).weekday();
 }
 
 DiaryDay DiaryDay::advanced(std::int64_t by) const {
-    const auto parts = noon(*this, by);
+    const auto parts = noon(*this, by, timegm);
     return parts ? fromParts(*parts) : *this;
 }
 

@@ -71,13 +71,17 @@ struct DiaryDay {
     std::int64_t day = 1;   // 1 to 31
 
     static DiaryDay today();
-    static DiaryDay containing(Instant instant);
+    static DiaryDay containing(std::chrono::sys_seconds instant);
+    static DiaryDay containing(Instant instant) {
+        return containing(std::chrono::floor<std::chrono::seconds>(instant));
+    }
 
     MonthDay monthDay() const { return {month, day}; }
 
     // Noon of this day, so that a small change of zone never moves the day. A day that the calendar lacks
     // rolls over (30 February is 1 or 2 March); one beyond the C library's range gives the present instant.
-    Instant date() const;
+    // In seconds, since an Instant reaches only from 1677 to 2262.
+    std::chrono::sys_seconds date() const;
 
     // 1 (Sunday) to 7 (Saturday).
     int weekday() const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryKit/DiaryStore.h>
+#include <DiaryKit/LinuxCloudFiles.h>
 #include <DiaryKit/UnicodeText.h>
 #include <DiaryKit/UserDirectories.h>
 
@@ -12,9 +13,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file that another program is just replacing is missing, or empty, for a moment.
+// A file that another program is just replacing is missing, empty or not to be opened for a moment.
 constexpr int replacementLooks = 10;
 constexpr std::chrono::milliseconds replacementPause{1};
+
+ImmediateExecutor &immediateExecutor() {
+    static ImmediateExecutor executor;
+    return executor;
+}
 
 } // namespace
 
@@ -23,6 +29,10 @@ DiaryStore::DiaryStore(std::optional<fs::path> rootURL, Options options)
       m_options(std::move(options)) {
     if (!m_options.stateFolder)
         m_options.stateFolder = UserDirectories::state();
+    if (!m_options.cloudFiles)
+        m_options.cloudFiles = std::make_shared<LinuxCloudFiles>(*m_options.stateFolder / "resolved");
+    if (!m_options.executor)
+        m_options.executor = &immediateExecutor();
 }
 
 fs::path DiaryStore::fileURL(MonthDay monthDay) const {
@@ -43,6 +53,19 @@ bool DiaryStore::expectsFile(MonthDay monthDay) const {
     return fs::exists(m_rootURL / (".syncthing." + monthDay.fileName() + ".tmp"), error);
 }
 
+bool DiaryStore::isMissing(const fs::path &file, MonthDay monthDay) const {
+    const auto missingNow = [&] {
+        std::error_code error;
+        return fs::status(file, error).type() == fs::file_type::not_found;
+    };
+    for (int look = 0; look < replacementLooks && expectsFile(monthDay); ++look) {
+        if (!missingNow())
+            return false;
+        std::this_thread::sleep_for(replacementPause);
+    }
+    return missingNow();
+}
+
 std::optional<std::string> DiaryStore::readDayFile(const fs::path &file, MonthDay monthDay) const {
     const bool hadContent =
         m_seen && m_seen->monthDay == monthDay && m_seen->bytes && !m_seen->bytes->empty();
@@ -50,8 +73,9 @@ std::optional<std::string> DiaryStore::readDayFile(const fs::path &file, MonthDa
     auto bytes = readWholeFile(file, error);
     for (int look = 0; look < replacementLooks; ++look) {
         const bool missing = error == std::errc::no_such_file_or_directory && expectsFile(monthDay);
+        const bool failed = error && error != std::errc::no_such_file_or_directory;
         const bool emptied = bytes && bytes->empty() && hadContent;
-        if (!missing && !emptied)
+        if (!missing && !failed && !emptied)
             break;
         std::this_thread::sleep_for(replacementPause);
         bytes = readWholeFile(file, error);
@@ -60,7 +84,9 @@ std::optional<std::string> DiaryStore::readDayFile(const fs::path &file, MonthDa
 }
 
 std::string DiaryStore::loadText(MonthDay monthDay) {
-    auto bytes = readDayFile(fileURL(monthDay), monthDay);
+    const auto file = fileURL(monthDay);
+    nudgeDownloadIfEvicted(file);
+    auto bytes = readDayFile(file, monthDay);
     if (!m_seen || m_seen->monthDay != monthDay)
         m_lastContent.clear();
     if (bytes && !bytes->empty())

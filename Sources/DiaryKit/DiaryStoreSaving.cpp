@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <list>
 #include <utility>
 
@@ -18,12 +19,40 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How many times in a row another program may change the file during one save.
-constexpr int foldRounds = 100;
+// How many times in a row another program may change the file during one save. Each round keeps a temporary
+// file, and PreparedFile has 36 names for them.
+constexpr int foldRounds = 32;
+
+// How many displaced files of one day stay open until they are looked at again.
+constexpr std::size_t displacedFilesKept = 8;
+
+// A placeholder in the file's place holds one blank.
+constexpr std::size_t placeholderSize = 1;
+
+// Saving over a placeholder would destroy the content that it stands for, on every machine.
+[[noreturn]] void failOverPlaceholder(const fs::path &file) {
+    throw fs::filesystem_error("save", file, std::error_code(EAGAIN, std::system_category()));
+}
 
 bool sameEntries(std::string_view one, std::string_view other) {
     return YearSectionParser::sectionBodies(one) == YearSectionParser::sectionBodies(other) &&
            YearSectionParser::documentPreamble(one) == YearSectionParser::documentPreamble(other);
+}
+
+// True when every entry of `left` is to be found in the same year of `kept`.
+bool holdsAllOf(std::string_view kept, std::string_view left) {
+    if (const auto preamble = YearSectionParser::documentPreamble(left)) {
+        if (YearSectionParser::documentPreamble(kept).value_or("").find(*preamble) == std::string_view::npos)
+            return false;
+    }
+    const auto keptBodies = YearSectionParser::sectionBodies(kept);
+    const auto leftBodies = YearSectionParser::sectionBodies(left);
+    return std::all_of(leftBodies.begin(), leftBodies.end(), [&](const auto &wanted) {
+        return wanted.body.empty() ||
+               std::any_of(keptBodies.begin(), keptBodies.end(), [&](const auto &body) {
+                   return body.year == wanted.year && body.body.find(wanted.body) != std::string_view::npos;
+               });
+    });
 }
 
 } // namespace
@@ -43,21 +72,26 @@ std::string DiaryStore::withYearsOfEmptiedFile(std::string_view text, MonthDay m
 }
 
 DiaryStore::Saved DiaryStore::save(std::string_view text, MonthDay monthDay) {
-    const auto target = resolvingLinks(fileURL(monthDay));
     if (!m_seen || m_seen->monthDay != monthDay)
         loadText(monthDay);
 
-    std::error_code error;
-    const bool exists = fs::exists(target, error) || expectsFile(monthDay);
-    if (!exists && YearSectionParser::isEffectivelyEmpty(text, monthDay.headerTitle()))
+    if (YearSectionParser::isEffectivelyEmpty(text, monthDay.headerTitle()) &&
+        isMissing(fileURL(monthDay), monthDay))
         return {std::string(text), std::nullopt};
 
-    fs::create_directories(m_rootURL);
-    sweepAbandonedTemporaries();
-    auto saved = writeFolding(target, m_seen->bytes, withYearsOfEmptiedFile(text, monthDay), monthDay);
-
+    auto saved = writeDayFile(m_seen->bytes, withYearsOfEmptiedFile(text, monthDay), monthDay);
     m_seen = Seen{monthDay, saved.text};
     m_lastContent = saved.text;
+    return saved;
+}
+
+DiaryStore::Saved DiaryStore::writeDayFile(std::optional<std::string> base, std::string text,
+                                           MonthDay monthDay) {
+    if (startDownloadIfNeeded(fileURL(monthDay)))
+        failOverPlaceholder(fileURL(monthDay));
+    createFoldersDurably(m_rootURL);
+    sweepAbandonedTemporaries();
+    auto saved = writeFolding(resolvingLinks(fileURL(monthDay)), std::move(base), std::move(text), monthDay);
     if (m_knownFiles)
         m_knownFiles->insert(monthDay);
     m_awaitingDownload.erase(monthDay);
@@ -67,7 +101,16 @@ DiaryStore::Saved DiaryStore::save(std::string_view text, MonthDay monthDay) {
 
 DiaryStore::Saved DiaryStore::writeFolding(const fs::path &target, std::optional<std::string> base,
                                            std::string text, MonthDay monthDay) {
-    RecentSave recent{.base = base.value_or(std::string()), .text = {}, .displaced = {}, .displacedFile = {}};
+    RecentSave recent{.base = base.value_or(std::string()), .text = {}, .displaced = {}};
+    const FolderTurn turn(target.parent_path());
+    // What is known to have changed is folded in beforehand, so that the file never goes without it.
+    std::error_code error;
+    if (auto current = readWholeFile(target, error); current && !current->empty() && current != base) {
+        auto both = folded(base.value_or(std::string()), text, *current, monthDay);
+        if (!sameEntries(both, text))
+            text = std::move(both);
+        base = std::move(current);
+    }
     // Every displaced file stays until the result is safe: a crash in between loses none of them.
     std::list<PreparedFile> installed;
     try {
@@ -77,50 +120,57 @@ DiaryStore::Saved DiaryStore::writeFolding(const fs::path &target, std::optional
             auto &prepared = installed.emplace_back(target, text);
             auto displaced =
                 prepared.install(base ? PreparedFile::Expecting::File : PreparedFile::Expecting::Nothing);
-            const bool expected = !displaced || displaced == base || *displaced == text;
-            recent.displaced = std::move(displaced).value_or(std::string());
-            // A file that was emptied, or cut off before its first byte, has nothing to say.
-            if (expected || recent.displaced.empty())
+            if (!displaced)
                 break;
-            auto both = folded(base.value_or(std::string()), text, recent.displaced, monthDay);
+            if (displaced->size() <= placeholderSize && startDownloadIfNeeded(prepared.temporaryPath()))
+                failOverPlaceholder(target);
+            const bool expected = displaced == base || *displaced == text;
+            recent.displaced.push_back({*displaced, prepared.takeDisplaced()});
+            // A file that was emptied, or cut off before its first byte, has nothing to say.
+            if (expected || displaced->empty())
+                break;
+            auto both = folded(base.value_or(std::string()), text, *displaced, monthDay);
             if (sameEntries(both, text))
                 break;
-            base = std::move(text);
-            text = std::move(both);
+            base = std::exchange(text, std::move(both));
         }
     } catch (...) {
         // What the last swap took out is what the others know: it goes back.
         std::any_of(installed.rbegin(), installed.rend(), [](PreparedFile &file) { return file.putBack(); });
         throw;
     }
-    auto &last = installed.back();
+    const auto &last = installed.back();
     last.syncFolder();
 
     recent.text = text;
-    recent.displacedFile = last.takeDisplaced();
-    m_recentSaves.insert_or_assign(monthDay, std::move(recent));
+    auto &remembered = m_recentSaves[monthDay];
+    recent.displaced.insert(recent.displaced.begin(), std::move_iterator(remembered.displaced.begin()),
+                            std::move_iterator(remembered.displaced.end()));
+    if (recent.displaced.size() > displacedFilesKept)
+        recent.displaced.erase(recent.displaced.begin(), recent.displaced.end() - displacedFilesKept);
+    remembered = std::move(recent);
     return {std::move(text), last.modificationTime()};
 }
 
 bool DiaryStore::repairIfOverwritten(MonthDay monthDay, const RecentSave &recent) {
-    std::error_code error;
-    auto current = readWholeFile(fileURL(monthDay), error);
+    auto current = readDayFile(fileURL(monthDay), monthDay);
     if (!current)
         return false; // Taken away on purpose, for all that can be told.
 
     std::string text = *current;
     if (text != recent.text)
         text = folded(recent.base, recent.text, text, monthDay);
-    if (recent.displacedFile) {
+    for (const auto &[bytes, file] : recent.displaced) {
         // Someone who had opened the old file before it was swapped out may have written to it since.
-        const auto late = readWholeFile(recent.displacedFile.get(), error);
-        if (late && !late->empty() && *late != recent.displaced)
-            text = folded(recent.displaced, text, *late, monthDay);
+        std::error_code error;
+        const auto late = readWholeFile(file.get(), error);
+        if (late && !late->empty() && *late != bytes)
+            text = folded(bytes, text, *late, monthDay);
     }
     if (sameEntries(text, *current))
         return false;
-    m_seen = Seen{monthDay, std::move(current)};
-    save(text, monthDay);
+    // What was last loaded stays remembered: the next save may still be based on it.
+    writeDayFile(std::move(current), std::move(text), monthDay);
     return true;
 }
 
@@ -138,26 +188,27 @@ std::set<MonthDay> DiaryStore::repairOverwrittenSaves() {
 }
 
 void DiaryStore::sweepAbandonedTemporaries() {
-    if (std::exchange(m_swept, true))
+    if (m_swept)
         return;
-    std::error_code error;
-    for (const auto &entry : fs::directory_iterator(m_rootURL, error)) {
-        const auto target = targetOfAbandonedTemporary(entry.path().filename().string());
+    std::error_code listError;
+    for (fs::directory_iterator entry(m_rootURL, listError), end; !listError && entry != end;
+         entry.increment(listError)) {
+        const auto &path = entry->path();
+        const auto target = targetOfAbandonedTemporary(path.filename().string());
         if (!target || !MonthDay::parse(*target))
             continue;
-        const auto left = readWholeFile(entry.path(), error);
+        std::error_code error;
+        const auto left = readWholeFile(path, error);
+        if (error == std::errc::is_a_directory)
+            continue;
         const auto kept = readWholeFile(m_rootURL / *target, error);
-        const auto bodies =
-            YearSectionParser::sectionBodies(left ? std::string_view(*left) : std::string_view());
-        const bool nothingNew =
-            left && std::all_of(bodies.begin(), bodies.end(), [&](const auto &entryOfYear) {
-                return kept && kept->find(entryOfYear.body) != std::string::npos;
-            });
-        if (nothingNew)
-            fs::remove(entry.path(), error);
+        if (left && (left->empty() || (kept && holdsAllOf(*kept, *left))))
+            fs::remove(path, error);
         else
-            moveIntoFolder(entry.path(), *m_options.stateFolder / "resolved", *target);
+            moveIntoFolder(path, *m_options.stateFolder / "resolved", *target);
     }
+    // Tried again at the next save when the folder could not be listed to its end.
+    m_swept = !listError;
 }
 
 } // namespace diary

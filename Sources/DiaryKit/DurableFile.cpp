@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryKit/DurableFile.h>
+#include <DiaryKit/SystemCalls.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +14,7 @@
 
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -31,16 +33,12 @@ constexpr std::string_view base36 = "0123456789abcdefghijklmnopqrstuvwxyz";
 constexpr int replacementGapLooks = 10;
 constexpr std::chrono::milliseconds replacementGapPause{1};
 
+// A save takes some milliseconds. The user is waiting too, perhaps for a process that was stopped.
+constexpr int turnLooks = 500;
+constexpr std::chrono::milliseconds turnPause{1};
+
 // How often the target may change its mind between existing and missing before that is an error.
 constexpr int installRounds = 100;
-
-template <typename Call>
-auto retryingWhenInterrupted(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
-}
 
 std::string processTag() {
     std::string tag(processDigits, '0');
@@ -50,33 +48,29 @@ std::string processTag() {
     return tag;
 }
 
-fs::file_time_type fileTime(const struct stat &status) {
-    const auto sinceEpoch =
-        std::chrono::seconds{status.st_mtim.tv_sec} + std::chrono::nanoseconds{status.st_mtim.tv_nsec};
-    return std::chrono::file_clock::from_sys(std::chrono::sys_time<std::chrono::nanoseconds>{sinceEpoch});
-}
-
 // Extended attributes, access control lists among them. What the new file may not carry is left out.
 int copyAttributes(int from, int to) {
-    const auto namesSize = flistxattr(from, nullptr, 0);
+    const auto namesSize = retryingWhenInterrupted([&] { return flistxattr(from, nullptr, 0); });
     if (namesSize <= 0)
         return namesSize == 0 || errno == ENOTSUP || errno == EPERM || errno == EACCES ? 0 : errno;
     std::vector<char> names(static_cast<std::size_t>(namesSize));
-    const auto listed = flistxattr(from, names.data(), names.size());
+    const auto listed = retryingWhenInterrupted([&] { return flistxattr(from, names.data(), names.size()); });
     if (listed < 0)
         return errno;
     std::vector<char> value;
     for (const char *name = names.data(); name < names.data() + listed;
          name += std::string_view(name).size() + 1) {
-        const auto size = fgetxattr(from, name, nullptr, 0);
+        const auto size = retryingWhenInterrupted([&] { return fgetxattr(from, name, nullptr, 0); });
         if (size < 0)
             continue;
         value.resize(static_cast<std::size_t>(size));
-        const auto read = fgetxattr(from, name, value.data(), value.size());
+        const auto read =
+            retryingWhenInterrupted([&] { return fgetxattr(from, name, value.data(), value.size()); });
         if (read < 0)
             continue;
-        if (fsetxattr(to, name, value.data(), static_cast<std::size_t>(read), 0) < 0 && errno != ENOTSUP &&
-            errno != EPERM && errno != EACCES && errno != EINVAL)
+        const auto set = retryingWhenInterrupted(
+            [&] { return fsetxattr(to, name, value.data(), static_cast<std::size_t>(read), 0); });
+        if (set < 0 && errno != ENOTSUP && errno != EPERM && errno != EACCES && errno != EINVAL)
             return errno;
     }
     return 0;
@@ -84,12 +78,21 @@ int copyAttributes(int from, int to) {
 
 // Makes `to` look like `from` to its owner. Returns an error number or 0.
 int copyIdentity(int from, const struct stat &status, int to) {
-    // Giving a file away is for the superuser; others keep the group where they may.
-    if (fchown(to, status.st_uid, status.st_gid) < 0 && errno != EPERM && errno != EINVAL)
-        return errno;
-    if (const int error = copyAttributes(from, to))
+    const auto give = [&](uid_t owner) {
+        return retryingWhenInterrupted([&] { return fchown(to, owner, status.st_gid); }) < 0 ? errno : 0;
+    };
+    const auto refused = [](int error) { return error == EPERM || error == EINVAL; };
+    // Giving a file away is for the superuser; others keep the group where they may, since a group that
+    // shares the folder would be locked out.
+    constexpr auto sameOwner = static_cast<uid_t>(-1);
+    int error = give(status.st_uid);
+    if (refused(error))
+        error = give(sameOwner);
+    if (error != 0 && !refused(error))
         return error;
-    return fchmod(to, status.st_mode & 07777U) < 0 ? errno : 0;
+    if (const int attributesError = copyAttributes(from, to))
+        return attributesError;
+    return retryingWhenInterrupted([&] { return fchmod(to, status.st_mode & 07777U); }) < 0 ? errno : 0;
 }
 
 bool exchangeRefused(int error) {
@@ -105,6 +108,13 @@ int writeAll(int descriptor, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return 0;
+}
+
+// False with errno set when it failed.
+bool syncedFolder(int folder) {
+    // Some file systems have nothing to sync in a folder and say so.
+    return retryingWhenInterrupted([&] { return ::fsync(folder); }) == 0 || errno == EINVAL ||
+           errno == ENOTSUP;
 }
 
 void unlinkQuietly(const fs::path &path) {
@@ -136,7 +146,7 @@ void FileDescriptor::reset() {
 std::optional<std::string> readWholeFile(int descriptor, std::error_code &error) {
     error.clear();
     struct stat status {};
-    if (fstat(descriptor, &status) < 0) {
+    if (retryingWhenInterrupted([&] { return fstat(descriptor, &status); }) < 0) {
         error.assign(errno, std::system_category());
         return std::nullopt;
     }
@@ -179,7 +189,7 @@ std::optional<std::string> readWholeFile(const fs::path &path, std::error_code &
 
 std::optional<fs::file_time_type> contentModificationTime(const fs::path &path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) < 0)
+    if (retryingWhenInterrupted([&] { return ::stat(path.c_str(), &status); }) < 0)
         return std::nullopt;
     return fileTime(status);
 }
@@ -188,7 +198,9 @@ fs::path resolvingLinks(fs::path path) {
     constexpr int linkLimit = 40;
     for (int followed = 0; followed < linkLimit; ++followed) {
         std::error_code error;
-        const auto next = fs::read_symlink(path, error);
+        auto next = fs::read_symlink(path, error);
+        while (error == std::errc::interrupted)
+            next = fs::read_symlink(path, error);
         if (error)
             break;
         path = path.parent_path() / next; // an absolute link replaces the whole path
@@ -225,13 +237,15 @@ void PreparedFile::writeTemporary(std::string_view bytes) {
         [&] { return ::open(m_target.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW); }));
     struct stat oldStatus {};
     if (old) {
-        if (fstat(old.get(), &oldStatus) < 0)
+        if (retryingWhenInterrupted([&] { return fstat(old.get(), &oldStatus); }) < 0)
             fail("save", errno);
         if (!S_ISREG(oldStatus.st_mode))
             fail("save", S_ISDIR(oldStatus.st_mode) ? EISDIR : EINVAL);
         // The folder's permission would do for a replacement, but its owner said that this file stays.
-        if ((oldStatus.st_mode & 0222U) == 0 || ::access(m_target.c_str(), W_OK) < 0)
+        if ((oldStatus.st_mode & 0222U) == 0)
             fail("save", EACCES);
+        if (retryingWhenInterrupted([&] { return ::access(m_target.c_str(), W_OK); }) < 0)
+            fail("save", errno);
     } else if (errno != ENOENT) {
         fail("save", errno);
     }
@@ -259,9 +273,11 @@ void PreparedFile::writeTemporary(std::string_view bytes) {
     if (retryingWhenInterrupted([&] { return ::fsync(file.get()); }) < 0)
         fail("save", errno);
     struct stat status {};
-    if (fstat(file.get(), &status) < 0)
+    if (retryingWhenInterrupted([&] { return fstat(file.get(), &status); }) < 0)
         fail("save", errno);
     m_modified = fileTime(status);
+    m_device = status.st_dev;
+    m_inode = status.st_ino;
     // Network file systems may report a lost write only here. An interrupted close has closed all the same.
     if (::close(file.release()) < 0 && errno != EINTR)
         fail("save", errno);
@@ -283,9 +299,14 @@ std::optional<std::string> PreparedFile::readDisplaced() {
     return bytes;
 }
 
-std::optional<std::string> PreparedFile::installByPlainRename() {
+std::optional<std::string> PreparedFile::installByPlainRename(Expecting expecting) {
     std::error_code error;
     auto replaced = readWholeFile(m_target, error);
+    for (int look = 0; expecting == Expecting::File && error.value() == ENOENT && look < replacementGapLooks;
+         ++look) {
+        std::this_thread::sleep_for(replacementGapPause);
+        replaced = readWholeFile(m_target, error);
+    }
     if (!replaced && error.value() != ENOENT)
         fail("save", error.value());
     if (retryingWhenInterrupted([&] { return ::rename(m_temporary.c_str(), m_target.c_str()); }) < 0)
@@ -307,7 +328,7 @@ std::optional<std::string> PreparedFile::install(Expecting expecting) {
             return readDisplaced();
         }
         if (exchangeRefused(errno))
-            return installByPlainRename();
+            return installByPlainRename(expecting);
         if (errno != ENOENT)
             fail("save", errno);
 
@@ -321,7 +342,7 @@ std::optional<std::string> PreparedFile::install(Expecting expecting) {
             return std::nullopt;
         }
         if (exchangeRefused(errno))
-            return installByPlainRename();
+            return installByPlainRename(expecting);
         if (errno != EEXIST)
             fail("save", errno);
     }
@@ -329,24 +350,72 @@ std::optional<std::string> PreparedFile::install(Expecting expecting) {
 }
 
 bool PreparedFile::putBack() noexcept {
-    return std::exchange(m_exchanged, false) &&
-           retryingWhenInterrupted([&] {
-               return ::renameat2(AT_FDCWD, m_temporary.c_str(), AT_FDCWD, m_target.c_str(), RENAME_EXCHANGE);
-           }) == 0;
+    if (!std::exchange(m_exchanged, false))
+        return false;
+    const auto swap = [&] {
+        return retryingWhenInterrupted([&] {
+                   return ::renameat2(AT_FDCWD, m_temporary.c_str(), AT_FDCWD, m_target.c_str(),
+                                      RENAME_EXCHANGE);
+               }) == 0;
+    };
+    if (swap()) {
+        struct stat status {};
+        const bool isOurs = ::lstat(m_temporary.c_str(), &status) == 0 && status.st_dev == m_device &&
+                            status.st_ino == m_inode;
+        if (isOurs)
+            return true;
+        // Another program has replaced our file meanwhile: what it wrote stays.
+        swap();
+    }
+    // The displaced file has no other place now. It is found as an abandoned temporary later.
+    m_temporary.clear();
+    return false;
 }
 
 void PreparedFile::syncFolder() const {
-    if (retryingWhenInterrupted([&] { return ::fsync(m_folder.get()); }) < 0) {
-        // Some file systems have nothing to sync in a folder and say so.
-        if (errno != EINVAL && errno != ENOTSUP)
-            fail("save", errno);
+    if (!syncedFolder(m_folder.get()))
+        fail("save", errno);
+}
+
+FolderTurn::FolderTurn(const fs::path &folder)
+    : m_folder(retryingWhenInterrupted(
+          [&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); })) {
+    for (int look = 0; m_folder && look < turnLooks; ++look) {
+        const bool taken = ::flock(m_folder.get(), LOCK_EX | LOCK_NB) < 0 && errno == EWOULDBLOCK;
+        if (!taken)
+            return;
+        std::this_thread::sleep_for(turnPause);
     }
+}
+
+void createFoldersDurably(const fs::path &folder) {
+    const auto fail = [&](int error) {
+        throw fs::filesystem_error("create folder", folder, std::error_code(error, std::system_category()));
+    };
+    struct stat status {};
+    if (retryingWhenInterrupted([&] { return ::stat(folder.c_str(), &status); }) == 0) {
+        if (!S_ISDIR(status.st_mode))
+            fail(ENOTDIR);
+        return;
+    }
+    if (errno != ENOENT)
+        fail(errno);
+
+    const auto parent = folder.has_parent_path() ? folder.parent_path() : fs::path(".");
+    createFoldersDurably(parent);
+    if (retryingWhenInterrupted([&] { return ::mkdir(folder.c_str(), 0777); }) < 0 && errno != EEXIST)
+        fail(errno);
+    // A folder that may be entered but not listed cannot be synced.
+    const FileDescriptor parentFolder(
+        retryingWhenInterrupted([&] { return ::open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (parentFolder && !syncedFolder(parentFolder.get()))
+        fail(errno);
 }
 
 void replaceFileDurably(const fs::path &path, std::string_view bytes) {
     const auto target = resolvingLinks(path);
     if (target.has_parent_path())
-        fs::create_directories(target.parent_path());
+        createFoldersDurably(target.parent_path());
     PreparedFile prepared(target, bytes);
     prepared.install(PreparedFile::Expecting::Nothing);
     prepared.syncFolder();
@@ -355,7 +424,7 @@ void replaceFileDurably(const fs::path &path, std::string_view bytes) {
 bool moveIntoFolder(const fs::path &file, const fs::path &folder, const std::string &name) noexcept {
     constexpr int lastNumber = 10000;
     try {
-        fs::create_directories(folder);
+        createFoldersDurably(folder);
         const fs::path wanted(name);
         for (int number = 1; number <= lastNumber; ++number) {
             auto numbered = wanted.stem().string();
@@ -364,12 +433,12 @@ bool moveIntoFolder(const fs::path &file, const fs::path &folder, const std::str
             const auto destination = folder / (numbered + wanted.extension().string());
             if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE) == 0)
                 return true;
-            if (errno == EEXIST)
+            if (errno == EEXIST || fs::exists(fs::symlink_status(destination)))
                 continue;
             // Another file system, most likely. The copy is on disk before the original goes.
             std::error_code error;
             const auto bytes = readWholeFile(file, error);
-            if (!bytes || fs::exists(destination))
+            if (!bytes)
                 return false;
             replaceFileDurably(destination, *bytes);
             return fs::remove(file);

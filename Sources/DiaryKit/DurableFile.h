@@ -7,6 +7,8 @@
 #include <string_view>
 #include <system_error>
 
+#include <sys/types.h>
+
 namespace diary {
 
 // A file descriptor that closes itself.
@@ -63,8 +65,9 @@ public:
     // Nothing is decided by an earlier look, so no other program's write can slip in between unseen.
     std::optional<std::string> install(Expecting expecting);
 
-    // Undoes `install`: the displaced file stands at the target again. False when there was none to put back.
-    // Best effort, for a way out of an error.
+    // Undoes `install`: the displaced file stands at the target again. False when there was none to put back,
+    // or when that is impossible or would undo another program's write: the displaced file then keeps the
+    // temporary name, for good. For a way out of an error.
     bool putBack() noexcept;
 
     // Makes the target's new name last through a power cut.
@@ -81,7 +84,7 @@ public:
 private:
     void writeTemporary(std::string_view bytes);
     std::optional<std::string> readDisplaced();
-    std::optional<std::string> installByPlainRename();
+    std::optional<std::string> installByPlainRename(Expecting expecting);
     [[noreturn]] void fail(const char *operation, int error) const;
 
     std::filesystem::path m_target;
@@ -89,8 +92,24 @@ private:
     FileDescriptor m_folder;
     FileDescriptor m_displaced;
     std::filesystem::file_time_type m_modified;
+    dev_t m_device = 0; // with the inode tells our file from one that has replaced it
+    ino_t m_inode = 0;
     bool m_exchanged = false;
 };
+
+// Lets this program's own processes write into a folder one after the other. Nothing depends on it, since
+// other programs do not ask: who waits too long, or cannot lock here, goes on without. Leaves no file behind.
+class FolderTurn {
+public:
+    explicit FolderTurn(const std::filesystem::path &folder);
+
+private:
+    FileDescriptor m_folder;
+};
+
+// Makes the folder and the missing ones above it, so that they last through a power cut. Throws
+// std::filesystem::filesystem_error.
+void createFoldersDurably(const std::filesystem::path &folder);
 
 // Replaces a file, or makes it, so that a crash leaves the old content or the new. The last writer wins.
 // Missing folders are made.

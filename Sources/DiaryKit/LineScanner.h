@@ -8,13 +8,14 @@ namespace diary {
 
 // Finds the few lines that can matter to the day file's structure without looking at the others.
 //
-// A year header begins with '#', a fence with '`' or with spaces before it. Entries are long paragraphs, so
-// the search for a line break followed by one of these three bytes passes whole texts at memory speed.
+// A year header begins with '#', a fence with '`' after any number of spaces. Both bytes are rare in entries,
+// so looking for them alone passes whole texts at memory speed.
 class LineScanner {
 public:
     explicit LineScanner(std::string_view text) : m_text(text) {}
 
-    // Offset of the next line that begins with '#', '`' or ' ', or npos. "\r\n" ends no line.
+    // Offset of the next line that begins with '#', or with '`' after spaces; npos when there is none. "\r\n"
+    // ends no line.
     std::size_t nextCandidate();
 
     // The line that starts at `begin`, without its line break; `end` receives the start of the next line.
@@ -23,11 +24,19 @@ public:
     static constexpr std::size_t npos = std::string_view::npos;
 
 private:
-    std::size_t findBreakBeforeCandidate(std::size_t from) const;
+    // One of the two bytes, and where it was found last.
+    struct Mark {
+        char byte;
+        std::size_t position = 0;
+        bool isFresh = false; // looked for, and not yet passed
+    };
+
+    std::size_t find(Mark &mark) const;
+    bool beginsLine(std::size_t at) const;
 
     std::string_view m_text;
-    std::size_t m_position = 0; // where the search for the next line break goes on
-    bool m_started = false;
+    Mark m_hash{'#'};
+    Mark m_backtick{'`'};
 };
 
 } // namespace diary

@@ -42,7 +42,7 @@ std::optional<fs::path> userDirectoryFromLine(std::string_view line, std::string
     line.remove_prefix(2);
 
     constexpr std::string_view homeVariable = "$HOME";
-    const bool belowHome = line.starts_with(homeVariable);
+    const bool belowHome = line.starts_with(homeVariable) && line.find_first_of("/\"") == homeVariable.size();
     if (belowHome)
         line.remove_prefix(homeVariable.size());
     std::string value;

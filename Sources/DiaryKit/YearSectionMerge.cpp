@@ -16,14 +16,25 @@ using UnicodeText::trimmed;
 
 using YearMap = std::map<std::int64_t, std::string>;
 
-std::string document(std::string_view preamble, const YearMap &years) {
+std::string document(std::string_view preamble, const YearMap &years, std::size_t leastDigits = 1) {
     std::string text(preamble);
     for (const auto &[year, body] : years) {
-        text.append("\n\n## ").append(std::to_string(year));
+        const auto digits = std::to_string(year);
+        text.append("\n\n## ").append(leastDigits - std::min(leastDigits, digits.size()), '0').append(digits);
         if (!body.empty())
             text.append("\n\n").append(body);
     }
     return text += "\n";
+}
+
+// The same when the bodies come from texts that nobody has checked: trimming alone can turn the indented
+// first line of a body into a header or a fence, and a year before 1000 is one only with its zeros.
+std::string selfContainedDocument(std::string_view preamble, const YearMap &years) {
+    YearMap checked;
+    for (const auto &[year, body] : years)
+        checked.emplace(year, selfContained(body));
+    constexpr std::size_t headerDigits = 4;
+    return document(selfContained(preamble), checked, headerDigits);
 }
 
 std::string firstPreamble(std::string_view current, std::string_view other, MonthDay monthDay) {
@@ -109,7 +120,7 @@ std::string tidied(std::string_view text, MonthDay monthDay) {
     auto closed = closingOpenFence(text);
     if (!repeatsYear(closed))
         return closed;
-    return document(firstPreamble(closed, {}, monthDay), joinedBodies(closed));
+    return selfContainedDocument(firstPreamble(closed, {}, monthDay), joinedBodies(closed));
 }
 
 std::string foldingDocuments(std::string_view base, std::string_view current, std::string_view other,
@@ -128,7 +139,7 @@ std::string foldingDocuments(std::string_view base, std::string_view current, st
     const auto preamble =
         foldedBody(documentPreamble(baseText).value_or(""), documentPreamble(currentText).value_or(""),
                    documentPreamble(otherText).value_or(""), conflictMarker);
-    return document(preamble.empty() ? "# " + monthDay.headerTitle() : preamble, years);
+    return selfContainedDocument(preamble.empty() ? "# " + monthDay.headerTitle() : preamble, years);
 }
 
 } // namespace diary::YearSectionParser

@@ -67,20 +67,45 @@ const Section *firstSection(std::int64_t year, const std::vector<Section> &all) 
     return found == all.end() ? nullptr : &*found;
 }
 
-// The entry as it can stand between two headers without being taken for structure itself.
-std::string selfContained(std::string_view entry) {
-    std::string result;
-    result.reserve(entry.size() + 8);
-    std::size_t copied = 0;
-    const bool open = scanHeaders(entry, [&](std::int64_t, ByteRange header) {
-        result.append(entry, copied, header.begin - copied);
-        result += ' ';
-        copied = header.begin;
+// replacingBody for a body that is trimmed already, or begins with a space that must stay.
+std::string replacingTrimmedBody(std::string_view content, std::int64_t year, MonthDay monthDay,
+                                 std::string_view text) {
+    auto document = ensuringSection(year, monthDay, text).text;
+    const auto all = sections(document);
+    const auto *section = firstSection(year, all);
+    if (!section)
+        return document;
+
+    const auto [begin, end] = section->bodyRange;
+    std::string replacement = "\n";
+    if (!content.empty())
+        replacement.append(content).append(end == document.size() ? "\n" : "\n\n");
+    return document.replace(begin, end - begin, replacement);
+}
+
+// The text, changed where replacingTrimmedBody would otherwise make a header of another line, or miss its
+// own.
+std::string preparedFor(std::int64_t year, std::string_view text) {
+    const auto all = sections(text);
+    if (const auto *section = firstSection(year, all)) {
+        // A carriage return after the last header would be one character with the line break that the body
+        // begins with, and end no line.
+        if (section->headerRange.end == text.size() && !text.ends_with('\n'))
+            return std::string(UnicodeText::withoutTrailingWhitespace(text)) + "\n";
+        return std::string(text);
+    }
+
+    const auto point = insertionPoint(year, text, all);
+    // Only the end of the text can lie inside a fence: a header that was recognised does not.
+    if (point == text.size() && hasOpenFence(text))
+        return closingOpenFence(text);
+    // A last line such as "## 2020\r\n" is a header only without the whitespace that is removed there.
+    const auto bared = sections(UnicodeText::withoutTrailingWhitespace(text.substr(0, point)));
+    const bool isNew = !bared.empty() && std::none_of(all.begin(), all.end(), [&](const Section &section) {
+        return section.headerRange.begin == bared.back().headerRange.begin;
     });
-    result.append(entry, copied);
-    if (open)
-        result += "\n```";
-    return result;
+    std::string prepared(text);
+    return isNew ? prepared.insert(bared.back().headerRange.begin, 1, ' ') : prepared;
 }
 
 } // namespace
@@ -186,28 +211,27 @@ EnsuredSection ensuringSection(std::int64_t year, MonthDay monthDay, std::string
 
 std::string replacingBody(std::string_view body, std::int64_t year, MonthDay monthDay,
                           std::string_view text) {
-    const auto content = trimmed(body);
-    auto document = ensuringSection(year, monthDay, text).text;
-    const auto all = sections(document);
-    const auto *section = firstSection(year, all);
-    if (!section)
-        return document;
-
-    const auto [begin, end] = section->bodyRange;
-    std::string replacement = "\n";
-    if (!content.empty())
-        replacement.append(content).append(end == document.size() ? "\n" : "\n\n");
-    return document.replace(begin, end - begin, replacement);
+    return replacingTrimmedBody(trimmed(body), year, monthDay, text);
 }
 
 std::string replacingEntry(std::string_view entry, std::int64_t year, MonthDay monthDay,
                            std::string_view text) {
-    const auto body = selfContained(trimmed(entry));
-    const auto all = sections(text);
-    // Only the end of the text can lie inside a fence: a header that was recognised does not.
-    if (!firstSection(year, all) && insertionPoint(year, text, all) == text.size())
-        return replacingBody(body, year, monthDay, closingOpenFence(text));
-    return replacingBody(body, year, monthDay, text);
+    return replacingTrimmedBody(selfContained(trimmed(entry)), year, monthDay, preparedFor(year, text));
+}
+
+std::string selfContained(std::string_view body) {
+    std::string result;
+    result.reserve(body.size() + 8);
+    std::size_t copied = 0;
+    const bool open = scanHeaders(body, [&](std::int64_t, ByteRange header) {
+        result.append(body, copied, header.begin - copied);
+        result += ' ';
+        copied = header.begin;
+    });
+    result.append(body, copied);
+    if (open)
+        result += "\n```";
+    return result;
 }
 
 std::string closingOpenFence(std::string_view text) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <DiaryKit/ByteRange.h>
 #include <DiaryKit/DiaryDay.h>
 
 #include <cstddef>
@@ -18,14 +19,6 @@
 // where a name says otherwise. A line ends at "\n"; "\r\n" is one character and ends no line, so a text
 // with such line ends has no sections. docs/day-file-format.md describes the format for its owners.
 namespace diary::YearSectionParser {
-
-struct ByteRange {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-
-    std::string_view in(std::string_view text) const { return text.substr(begin, end - begin); }
-    bool operator==(const ByteRange &) const = default;
-};
 
 // One year header with what follows it. Two headers of one year are two sections.
 struct Section {
@@ -80,13 +73,17 @@ std::string replacingBody(std::string_view body, std::int64_t year, MonthDay mon
 std::string replacingEntry(std::string_view entry, std::int64_t year, MonthDay monthDay,
                            std::string_view text);
 
+// The trimmed `body` as it can stand in a section without being taken for structure: header-like lines moved
+// in, an open fence closed.
+std::string selfContained(std::string_view body);
+
 // The text, with the ``` fence closed that it leaves open, if any: an open fence hides all later headers.
 std::string closingOpenFence(std::string_view text);
 
 // Combines two versions of a day file year by year. Where both have different texts for a year and neither
 // begins with the other, both are kept with `conflictMarker` between them. Of several sections of one year
-// in `current` the last one counts, and an open fence hides what follows: pass texts through `tidied` where
-// that may matter.
+// in `current` the last one counts, an open fence hides what follows, and trimming may bare a header that was
+// indented: use foldingDocuments where that may matter.
 std::string mergingDocuments(std::string_view current, std::string_view other, MonthDay monthDay,
                              std::string_view conflictMarker);
 

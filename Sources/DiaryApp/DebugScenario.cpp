@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/DebugScenario.h>
+#include <DiaryApp/EntryTextEdit.h>
+#include <DiaryApp/MainWindowController.h>
+
+#include <QApplication>
+#include <QPixmap>
+#include <QTextCursor>
+#include <QTimer>
+
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <string>
+
+namespace diary {
+
+namespace {
+
+constexpr double defaultDelaySeconds = 2.0;
+constexpr double longestDelaySeconds = 24 * 60 * 60;
+
+std::chrono::milliseconds screenshotDelay() {
+    bool isNumber = false;
+    const double seconds = qEnvironmentVariable("DIARY_SCREENSHOT_DELAY").toDouble(&isNumber);
+    const bool usable = isNumber && seconds >= 0 && seconds <= longestDelaySeconds;
+    return std::chrono::milliseconds(std::lround((usable ? seconds : defaultDelaySeconds) * 1000));
+}
+
+// File names such as 02-30.md are keys too, but no day to go to.
+bool isOnCalendar(MonthDay monthDay) {
+    return monthDay.day <= MonthDay::daysInCycleMonth.at(static_cast<std::size_t>(monthDay.month - 1));
+}
+
+void showRequestedEntry(EditingSession &session) {
+    const auto day = qEnvironmentVariable("DIARY_VIEW_DAY").toStdString();
+    if (const auto monthDay = MonthDay::parse(day + ".md"); monthDay && isOnCalendar(*monthDay))
+        session.open(*monthDay);
+
+    bool isYear = false;
+    const auto year = qEnvironmentVariable("DIARY_VIEW_YEAR").toLongLong(&isYear);
+    if (isYear)
+        session.pickYear(year);
+
+    if (qEnvironmentVariable("DIARY_VIEW_SOURCE") == QLatin1String("1"))
+        session.toggleSourceView();
+}
+
+} // namespace
+
+void runDebugScenario(AppDelegate &delegate) {
+    // A blinking caret would make two pictures of one page differ.
+    QApplication::setCursorFlashTime(0);
+
+    auto *mainWindow = delegate.mainWindowController();
+    showRequestedEntry(mainWindow->session());
+    if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView()->isEnabled())
+        mainWindow->textView()->textCursor().insertText(qEnvironmentVariable("DIARY_TYPE_TEXT"));
+
+    const auto path = qEnvironmentVariable("DIARY_SCREENSHOT");
+    QTimer::singleShot(screenshotDelay(), &delegate, [&delegate, path] {
+        if (auto *controller = delegate.mainWindowController())
+            controller->contentView()->grab().save(path, "PNG");
+        delegate.terminate();
+    });
+}
+
+} // namespace diary

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryKit/DayFileReader.h>
+#include <DiaryKit/SystemCalls.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace diary {
+
+namespace {
+
+// Room for a day of some decades; it grows for more.
+constexpr std::size_t initialRoom = 256 * 1024;
+
+} // namespace
+
+DayFileReader::DayFileReader(const std::filesystem::path &folder)
+    : m_folder(
+          retryingWhenInterrupted([&] { return ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); })) {
+}
+
+std::optional<std::string_view> DayFileReader::read(MonthDay monthDay,
+                                                    std::filesystem::file_time_type *modified) {
+    const auto name = monthDay.fileName();
+    const FileDescriptor file(retryingWhenInterrupted(
+        [&] { return ::openat(m_folder.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
+    if (!file)
+        return std::nullopt;
+    if (modified) {
+        struct stat status {};
+        if (fstat(file.get(), &status) < 0 || !S_ISREG(status.st_mode))
+            return std::nullopt;
+        *modified = fileTime(status);
+    }
+    if (m_buffer.empty())
+        m_buffer.resize(initialRoom);
+
+    std::size_t filled = 0;
+    for (;;) {
+        if (filled == m_buffer.size())
+            m_buffer.resize(m_buffer.size() * 2);
+        const auto count = retryingWhenInterrupted(
+            [&] { return ::read(file.get(), m_buffer.data() + filled, m_buffer.size() - filled); });
+        if (count < 0)
+            return std::nullopt;
+        if (count == 0)
+            break;
+        filled += static_cast<std::size_t>(count);
+    }
+    return std::string_view(m_buffer).substr(0, filled);
+}
+
+std::optional<std::filesystem::file_time_type> DayFileReader::modificationDate(MonthDay monthDay) const {
+    struct stat status {};
+    if (::fstatat(m_folder.get(), monthDay.fileName().c_str(), &status, 0) < 0)
+        return std::nullopt;
+    return fileTime(status);
+}
+
+} // namespace diary

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryApp/Clock.h>
+
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace diary {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(SystemClock, tellsTheSystemsTime) {
+    SystemClock clock;
+    const auto before = std::chrono::system_clock::now();
+    const auto now = clock.now();
+    const auto today = clock.today();
+    const auto after = std::chrono::system_clock::now();
+    EXPECT_LE(before, now);
+    EXPECT_LE(now, after);
+    EXPECT_LE(DiaryDay::containing(before), today);
+    EXPECT_LE(today, DiaryDay::containing(after));
+}
+
+TEST(SystemClock, firesATimerOnceAndNotBeforeItsTime) {
+    SystemClock clock;
+    int fired = 0;
+    auto timer = clock.makeTimer([&] { ++fired; });
+    EXPECT_FALSE(timer->isActive());
+    const auto start = std::chrono::steady_clock::now();
+    timer->start(50ms);
+    EXPECT_TRUE(timer->isActive());
+    EXPECT_EQ(fired, 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return fired > 0; }));
+    // The event loop's timers may come a millisecond early.
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 45ms);
+    EXPECT_FALSE(timer->isActive());
+
+    bool laterFired = false;
+    auto later = clock.makeTimer([&] { laterFired = true; });
+    later->start(120ms);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return laterFired; }));
+    EXPECT_EQ(fired, 1);
+}
+
+TEST(SystemClock, forgetsThePendingRunOfATimerThatIsStartedAgainStoppedOrDestroyed) {
+    SystemClock clock;
+    int restarted = 0;
+    int stopped = 0;
+    int destroyed = 0;
+    bool done = false;
+    auto one = clock.makeTimer([&] { ++restarted; });
+    one->start(1ms);
+    one->start(10ms);
+    auto two = clock.makeTimer([&] { ++stopped; });
+    two->start(1ms);
+    two->stop();
+    EXPECT_FALSE(two->isActive());
+    auto three = clock.makeTimer([&] { ++destroyed; });
+    three->start(1ms);
+    three.reset();
+    auto last = clock.makeTimer([&] { done = true; });
+    last->start(60ms);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return done; }));
+    EXPECT_EQ(restarted, 1);
+    EXPECT_EQ(stopped, 0);
+    EXPECT_EQ(destroyed, 0);
+}
+
+} // namespace
+} // namespace diary
