@@ -11,7 +11,7 @@ namespace diary {
 namespace {
 
 // Room for a day of some decades; it grows for more.
-constexpr std::size_t initialRoom = 256 * 1024;
+constexpr std::size_t initialRoom = std::size_t{256} * 1024;
 
 } // namespace
 

@@ -47,15 +47,24 @@ std::string flattened(std::string_view body) {
     return line;
 }
 
+// Made once, since ICU looks its rules up by name; each use works on a clone.
+const icu::BreakIterator &characterBoundaries() {
+    static const std::unique_ptr<icu::BreakIterator> boundaries = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        return std::unique_ptr<icu::BreakIterator>(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    }();
+    return *boundaries;
+}
+
 // Steps through a text by the characters that people see.
 class CharacterSteps {
 public:
     explicit CharacterSteps(std::string_view text) {
         UErrorCode status = U_ZERO_ERROR;
         m_text = utext_openUTF8(nullptr, text.data(), static_cast<std::int64_t>(text.size()), &status);
-        m_boundaries.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-        if (m_boundaries)
-            m_boundaries->setText(m_text, status);
+        m_boundaries.reset(characterBoundaries().clone());
+        m_boundaries->setText(m_text, status);
     }
     CharacterSteps(const CharacterSteps &) = delete;
     CharacterSteps &operator=(const CharacterSteps &) = delete;
@@ -88,7 +97,7 @@ std::string snippetOf(const TextMatcher &plainMatcher, std::string_view body) {
     const auto line = flattened(body);
     const auto match = plainMatcher.find(line);
     // ICU counts in 32 bits; around a match far away in a giant entry, its surroundings are enough.
-    constexpr std::size_t surroundings = 64 * 1024;
+    constexpr std::size_t surroundings = std::size_t{64} * 1024;
     const auto matchBegin = match ? match->begin : 0;
     const auto matchEnd = match ? match->end : 0;
     const auto windowBegin = matchBegin > surroundings ? matchBegin - surroundings : 0;

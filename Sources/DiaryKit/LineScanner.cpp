@@ -24,7 +24,10 @@ std::size_t LineScanner::nextCandidate() {
         const auto at = mark.position;
         if (at == npos)
             return npos;
+        // Only the first of several in a row can begin a line.
         mark.position = at + 1;
+        while (mark.position < m_text.size() && m_text[mark.position] == mark.byte)
+            ++mark.position;
         mark.isFresh = false;
 
         auto begin = at;
