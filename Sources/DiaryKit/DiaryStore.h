@@ -217,6 +217,7 @@ private:
     bool isMissing(const std::filesystem::path &file, MonthDay monthDay) const;
     bool expectsFile(MonthDay monthDay) const;
     std::string withYearsOfEmptiedFile(std::string_view text, MonthDay monthDay) const;
+    std::string withOverwrittenSave(std::string text, MonthDay monthDay) const;
     std::string folded(std::string_view base, std::string_view mine, std::string_view theirs,
                        MonthDay monthDay) const;
     Saved writeDayFile(std::optional<std::string> base, std::string text, MonthDay monthDay);

@@ -39,6 +39,24 @@ bool sameEntries(std::string_view one, std::string_view other) {
            YearSectionParser::documentPreamble(one) == YearSectionParser::documentPreamble(other);
 }
 
+bool holdsEntry(const std::vector<YearSectionParser::YearBody> &kept,
+                const YearSectionParser::YearBody &wanted) {
+    return wanted.body.empty() || std::any_of(kept.begin(), kept.end(), [&](const auto &body) {
+               return body.year == wanted.year && body.body.find(wanted.body) != std::string_view::npos;
+           });
+}
+
+// `left` without the entries that are to be found in the same year of `kept`.
+std::string entriesMissingIn(std::string_view kept, std::string_view left, MonthDay monthDay) {
+    const auto keptBodies = YearSectionParser::sectionBodies(kept);
+    std::string missing(YearSectionParser::documentPreamble(left).value_or(""));
+    for (const auto &body : YearSectionParser::sectionBodies(left)) {
+        if (!holdsEntry(keptBodies, body))
+            missing = YearSectionParser::replacingEntry(body.body, body.year, monthDay, missing);
+    }
+    return missing;
+}
+
 // True when every entry of `left` is to be found in the same year of `kept`.
 bool holdsAllOf(std::string_view kept, std::string_view left) {
     if (const auto preamble = YearSectionParser::documentPreamble(left)) {
@@ -47,12 +65,8 @@ bool holdsAllOf(std::string_view kept, std::string_view left) {
     }
     const auto keptBodies = YearSectionParser::sectionBodies(kept);
     const auto leftBodies = YearSectionParser::sectionBodies(left);
-    return std::all_of(leftBodies.begin(), leftBodies.end(), [&](const auto &wanted) {
-        return wanted.body.empty() ||
-               std::any_of(keptBodies.begin(), keptBodies.end(), [&](const auto &body) {
-                   return body.year == wanted.year && body.body.find(wanted.body) != std::string_view::npos;
-               });
-    });
+    return std::all_of(leftBodies.begin(), leftBodies.end(),
+                       [&](const auto &wanted) { return holdsEntry(keptBodies, wanted); });
 }
 
 } // namespace
@@ -71,6 +85,20 @@ std::string DiaryStore::withYearsOfEmptiedFile(std::string_view text, MonthDay m
     return emptied ? folded(m_lastContent, text, m_lastContent, monthDay) : std::string(text);
 }
 
+// The save before this one may have been overwritten before it was looked at again. This text was then made
+// from what stood there instead, and nothing else remembers the one that is gone.
+std::string DiaryStore::withOverwrittenSave(std::string text, MonthDay monthDay) const {
+    const auto recent = m_recentSaves.find(monthDay);
+    const auto &loaded = m_seen->bytes;
+    if (recent == m_recentSaves.end() || !loaded || loaded->empty() || *loaded == recent->second.text)
+        return text;
+    if (holdsAllOf(text, recent->second.text))
+        return text;
+    const auto missing = entriesMissingIn(text, recent->second.text, monthDay);
+    const auto mended = folded(recent->second.base, missing, *loaded, monthDay);
+    return sameEntries(mended, *loaded) ? text : folded(*loaded, text, mended, monthDay);
+}
+
 DiaryStore::Saved DiaryStore::save(std::string_view text, MonthDay monthDay) {
     if (!m_seen || m_seen->monthDay != monthDay)
         loadText(monthDay);
@@ -79,7 +107,8 @@ DiaryStore::Saved DiaryStore::save(std::string_view text, MonthDay monthDay) {
         isMissing(fileURL(monthDay), monthDay))
         return {std::string(text), std::nullopt};
 
-    auto saved = writeDayFile(m_seen->bytes, withYearsOfEmptiedFile(text, monthDay), monthDay);
+    auto whole = withOverwrittenSave(withYearsOfEmptiedFile(text, monthDay), monthDay);
+    auto saved = writeDayFile(m_seen->bytes, std::move(whole), monthDay);
     m_seen = Seen{monthDay, saved.text};
     m_lastContent = saved.text;
     return saved;

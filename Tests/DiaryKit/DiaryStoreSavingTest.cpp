@@ -439,6 +439,7 @@ TEST_F(DiaryStoreSaving, foldsInWhatOthersChanged) {
 
 TEST_F(DiaryStoreSaving, keepsBothTextsWheneverAnotherProgramWrites) {
     constexpr int rounds = 40;
+    fs::create_directory(m_folder / "vault");
     auto store = openStore();
     Bodies expected;
     for (int round = 0; round < rounds; ++round) {
@@ -562,6 +563,41 @@ TEST_F(DiaryStoreSaving, mendsASaveThatWasOverwritten) {
     EXPECT_EQ(store.yearCache().at(piDay).years, (std::set<std::int64_t>{2020, 2021, 2022, 2023, 2024}));
     EXPECT_EQ(store.repairOverwrittenSaves(), std::set<MonthDay>{});
     expectNothingElse();
+}
+
+TEST_F(DiaryStoreSaving, mendsASaveThatWasOverwrittenBeforeTheNext) {
+    m_folder.write(dayFile, document({{2020, "mine"}}));
+    auto store = openStore();
+    saveEntry(store, 2020, "mine\nfirst");
+    m_folder.write(dayFile, document({{2020, "mine"}, {2021, "theirs"}}));
+    saveEntry(store, 2020, "mine\nsecond");
+    EXPECT_EQ(m_folder.read(dayFile), document({{2020, "mine\nfirst\n\nsecond"}, {2021, "theirs"}}));
+}
+
+TEST_F(DiaryStoreSaving, doesNotRepeatAnOverwrittenSaveThatTheNextHolds) {
+    auto store = openStore();
+    saveEntry(store, 2020, "mine");
+    m_folder.write(dayFile, document({{2020, "theirs"}, {2021, "theirs"}}));
+    saveEntry(store, 2020, "theirs\n\n---\n\nmine");
+    EXPECT_EQ(m_folder.read(dayFile), document({{2020, "theirs\n\n---\n\nmine"}, {2021, "theirs"}}));
+}
+
+TEST_F(DiaryStoreSaving, keepsThePreambleWhenItMendsTheSaveBefore) {
+    m_folder.write(dayFile, "My own words\n\n## 2020\n\nmine\n");
+    auto store = openStore();
+    saveEntry(store, 2020, "mine\nfirst");
+    m_folder.write(dayFile, "My own words\n\n## 2020\n\nmine\n");
+    saveEntry(store, 2021, "second");
+    EXPECT_EQ(m_folder.read(dayFile), "My own words\n\n## 2020\n\nmine\nfirst\n\n## 2021\n\nsecond\n");
+}
+
+TEST_F(DiaryStoreSaving, doesNotBringBackWhatTheUserDeletedAfterOthersWrote) {
+    m_folder.write(dayFile, document({{2020, "old"}}));
+    auto store = openStore();
+    saveEntry(store, 2020, "mine");
+    m_folder.write(dayFile, document({{2020, "mine"}, {2021, "theirs"}}));
+    saveEntry(store, 2020, "other");
+    EXPECT_EQ(m_folder.read(dayFile), document({{2020, "other"}, {2021, "theirs"}}));
 }
 
 TEST_F(DiaryStoreSaving, looksAtEverySavedDay) {

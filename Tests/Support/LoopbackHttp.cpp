@@ -54,8 +54,7 @@ std::uint16_t freeLoopbackPort() {
     return ntohs(address.sin_port);
 }
 
-std::optional<std::string> askLoopback(std::uint16_t port, std::string_view method, std::string_view path,
-                                       const std::map<std::string, std::string> &headers) {
+std::optional<std::string> askLoopback(std::uint16_t port, const LoopbackRequest &request) {
     const auto made = makeSocket();
     ::setsockopt(made.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     const auto address = loopbackAddress(port);
@@ -63,11 +62,12 @@ std::optional<std::string> askLoopback(std::uint16_t port, std::string_view meth
         return std::nullopt;
 
     // The older protocol, so that the end of the connection is the end of the answer.
-    std::string question(method);
-    question.append(" ").append(path).append(" HTTP/1.0\r\nHost: 127.0.0.1\r\nContent-Length: 0\r\n");
-    for (const auto &[name, value] : headers)
+    std::string question(request.method);
+    question.append(" ").append(request.path).append(" HTTP/1.0\r\nHost: 127.0.0.1\r\nContent-Length: ");
+    question.append(std::to_string(request.body.size())).append("\r\n");
+    for (const auto &[name, value] : request.headers)
         question.append(name).append(": ").append(value).append("\r\n");
-    question += "\r\n";
+    question.append("\r\n").append(request.body);
     if (::send(made.get(), question.data(), question.size(), MSG_NOSIGNAL) !=
         static_cast<ssize_t>(question.size()))
         return std::nullopt;

@@ -12,9 +12,15 @@ namespace diary::testing {
 // A port of this machine that nobody listened at a moment ago.
 std::uint16_t freeLoopbackPort();
 
-// Asks a program that serves HTTP on this machine: "GET" or "POST" with an empty body. Returns the body of a
-// successful answer; none when nobody answers in time or the answer is an error.
-std::optional<std::string> askLoopback(std::uint16_t port, std::string_view method, std::string_view path,
-                                       const std::map<std::string, std::string> &headers = {});
+struct LoopbackRequest {
+    std::string_view method = "GET";
+    std::string path;
+    std::map<std::string, std::string> headers = {};
+    std::string body = {};
+};
+
+// Asks a program that serves HTTP on this machine. Returns the body of a successful answer; none when nobody
+// answers in time or the answer is an error.
+std::optional<std::string> askLoopback(std::uint16_t port, const LoopbackRequest &request);
 
 } // namespace diary::testing

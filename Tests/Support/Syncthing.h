@@ -26,11 +26,9 @@ public:
     // The other device must be there, but need not run. False when it does not answer in time.
     bool start(const Syncthing &other);
 
-    // Ends the connection to the other device, and lets it be made again. The two find each other within
-    // five seconds.
+    // Stops sharing the folder for a while. Changes made meanwhile are looked for when it goes on.
     void cutOff() const;
     void reconnect() const;
-    bool isConnected() const;
 
     // Looks for changes in the folder and waits until they are known.
     void scan() const;
@@ -44,7 +42,9 @@ public:
 private:
     std::map<std::string, std::string> environment() const;
     void writeConfiguration(const Syncthing &other) const;
-    std::optional<std::string> ask(std::string_view method, const std::string &path) const;
+    std::optional<std::string> ask(std::string_view method, const std::string &path,
+                                   const std::string &body = {}) const;
+    bool isConnected() const;
 
     std::filesystem::path m_home;
     std::filesystem::path m_vault;
