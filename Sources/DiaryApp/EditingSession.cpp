@@ -217,8 +217,13 @@ void EditingSession::performRemoteRefresh() {
     m_store.invalidateCaches();
     render(Part::Sidebar);
     resolveConflicts();
-    if (m_store.modificationDate(m_currentMonthDay) != m_loadedModificationDate)
-        reloadFromDisk();
+    if (m_store.modificationDate(m_currentMonthDay) == m_loadedModificationDate)
+        return;
+    // Before the editor takes over what stands there: it may have been written by someone who did not know of
+    // the last save.
+    if (!m_store.repairOverwrittenSaves().empty())
+        m_repairTimer->start(repairDelay);
+    reloadFromDisk();
 }
 
 void EditingSession::reloadFromDisk() {

@@ -705,6 +705,18 @@ TEST_F(EditingSessionTest, offersTheLeapDayOnlyInYearsThatHaveIt) {
 
 // Midnight.
 
+TEST_F(EditingSessionTest, doesNotShowAnOverwrittenSaveAsTheNewestText) {
+    openWith(piDay, dayFile("03-14", "## 2025\n\nold\n"));
+    session->draftChanged(QStringLiteral("old\n\nnew"));
+    ASSERT_TRUE(session->flushSaveIfDirty());
+    // By a program that had read the file before that.
+    writeElsewhere(piDay, dayFile("03-14", "## 2024\n\ntheirs\n\n## 2025\n\nold\n"));
+    session->performRemoteRefresh();
+    EXPECT_EQ(session->draft(), QStringLiteral("old\n\nnew"));
+    EXPECT_EQ(bodyOnDisk(piDay, 2025), "old\n\nnew");
+    EXPECT_EQ(session->body(2024), "theirs");
+}
+
 constexpr const char *syncthingCopy = "vault/03-14.sync-conflict-20261120-101112-ABCDEFG.md";
 
 class EditingSessionWithConflicts : public EditingSessionTest {
