@@ -26,7 +26,10 @@ void count(MonthDay monthDay, const std::set<std::int64_t> &years, DiaryStore::A
     if (years.empty())
         return;
     snapshot.heatCounts[monthDay] = static_cast<int>(years.size());
-    snapshot.contentYears.insert(years.begin(), years.end());
+    // Most days have the same years; looking is cheaper than inserting them again.
+    auto &all = snapshot.contentYears;
+    if (!std::includes(all.begin(), all.end(), years.begin(), years.end()))
+        all.insert(years.begin(), years.end());
     ++snapshot.overview.daysWithContent;
     auto &earliest = snapshot.overview.earliestYear;
     earliest = std::min(earliest.value_or(*years.begin()), *years.begin());
@@ -134,43 +137,41 @@ std::optional<MonthDay> DiaryStore::randomDayWithContent() {
 DiaryStore::ArchiveScan DiaryStore::scanArchive(const fs::path &rootURL, YearCache cache,
                                                 const CloudFiles &cloudFiles) {
     ArchiveScan scan{{}, std::move(cache), dayFiles(rootURL)};
-    struct Changed {
-        MonthDay monthDay;
+    struct Look {
         FileTime date;
-        std::optional<std::set<std::int64_t>> years; // none: could not be read
+        std::optional<std::set<std::int64_t>> years; // of a file that changed and could be read
+        bool isCached = false;
         bool isAwaitingDownload = false;
     };
-    std::vector<Changed> changed;
-    const DayFileReader dates(rootURL);
-    for (const auto monthDay : scan.files) {
-        const auto date = dates.modificationDate(monthDay).value_or(distantPast);
-        const auto cached = scan.cache.find(monthDay);
-        if (cached != scan.cache.end() && cached->second.mtime == date)
-            count(monthDay, cached->second.years, scan.snapshot);
-        else
-            changed.push_back({monthDay, date, std::nullopt});
-    }
-
-    runInParallel(changed.size(), [&] {
+    const std::vector<MonthDay> files(scan.files.begin(), scan.files.end());
+    std::vector<Look> looks(files.size());
+    runInParallel(files.size(), [&] {
         return [&, reader = std::make_shared<DayFileReader>(rootURL)](std::size_t index) {
-            auto &file = changed[index];
-            const auto path = rootURL / file.monthDay.fileName();
+            auto &look = looks[index];
+            look.date = reader->modificationDate(files[index]).value_or(distantPast);
+            const auto cached = scan.cache.find(files[index]);
+            look.isCached = cached != scan.cache.end() && cached->second.mtime == look.date;
+            if (look.isCached)
+                return true;
+            const auto path = rootURL / files[index].fileName();
             if (cloudFiles.downloadingStatus(path) == CloudFiles::DownloadingStatus::NotDownloaded) {
                 cloudFiles.startDownloading(path);
-                file.isAwaitingDownload = true;
-            } else if (const auto text = reader->read(file.monthDay)) {
-                file.years = YearSectionParser::yearsWithContent(*text);
+                look.isAwaitingDownload = true;
+            } else if (const auto text = reader->read(files[index])) {
+                look.years = YearSectionParser::yearsWithContent(*text);
             }
             return true;
         };
     });
-    for (auto &file : changed) {
-        if (file.isAwaitingDownload)
-            scan.snapshot.awaitingDownload.insert(file.monthDay);
-        if (!file.years)
-            continue;
-        count(file.monthDay, *file.years, scan.snapshot);
-        scan.cache[file.monthDay] = {file.date, std::move(*file.years)};
+
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        auto &[date, years, isCached, isAwaitingDownload] = looks[index];
+        if (isAwaitingDownload)
+            scan.snapshot.awaitingDownload.insert(files[index]);
+        if (years)
+            scan.cache[files[index]] = {date, std::move(*years)};
+        if (years || isCached)
+            count(files[index], scan.cache.at(files[index]).years, scan.snapshot);
     }
     scan.snapshot.overview.fileCount = static_cast<int>(scan.files.size());
     return scan;
