@@ -44,8 +44,8 @@ public:
     };
 
     struct YearCacheEntry {
-        FileTime mtime; // of the file the years were read from
-        std::set<std::int64_t> years;
+        FileTime mtime;                  // of the file the years were read from
+        std::vector<std::int64_t> years; // with content, ascending, each once
 
         bool operator==(const YearCacheEntry &) const = default;
     };
@@ -225,7 +225,7 @@ private:
                        MonthDay monthDay);
     bool repairIfOverwritten(MonthDay monthDay, const RecentSave &recent);
     void sweepAbandonedTemporaries();
-    const std::set<std::int64_t> *cachedYears(MonthDay monthDay, DayFileReader &reader);
+    const std::vector<std::int64_t> *cachedYears(MonthDay monthDay, DayFileReader &reader);
     template <typename Visit>
     void visitYearsWithContent(Visit visit);
     void apply(ArchiveScan scan);

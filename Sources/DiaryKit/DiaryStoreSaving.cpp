@@ -124,7 +124,8 @@ DiaryStore::Saved DiaryStore::writeDayFile(std::optional<std::string> base, std:
     if (m_knownFiles)
         m_knownFiles->insert(monthDay);
     m_awaitingDownload.erase(monthDay);
-    m_yearCache[monthDay] = {*saved.modificationDate, YearSectionParser::yearsWithContent(saved.text)};
+    m_yearCache[monthDay] = {*saved.modificationDate,
+                             YearSectionParser::ascendingYearsWithContent(saved.text)};
     return saved;
 }
 

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 // Stands for a date that cannot be read; no file carries it.
 constexpr DiaryStore::FileTime distantPast = DiaryStore::FileTime::min();
 
-void count(MonthDay monthDay, const std::set<std::int64_t> &years, DiaryStore::ArchiveSnapshot &snapshot) {
+void count(MonthDay monthDay, const std::vector<std::int64_t> &years, DiaryStore::ArchiveSnapshot &snapshot) {
     if (years.empty())
         return;
     snapshot.heatCounts[monthDay] = static_cast<int>(years.size());
@@ -56,7 +56,7 @@ const std::set<MonthDay> &DiaryStore::knownFiles() {
 
 // The years with content, by the cache or the file; none when the file cannot be read. Valid until the next
 // call.
-const std::set<std::int64_t> *DiaryStore::cachedYears(MonthDay monthDay, DayFileReader &reader) {
+const std::vector<std::int64_t> *DiaryStore::cachedYears(MonthDay monthDay, DayFileReader &reader) {
     const auto date = reader.modificationDate(monthDay).value_or(distantPast);
     const auto cached = m_yearCache.find(monthDay);
     if (cached != m_yearCache.end() && cached->second.mtime == date)
@@ -70,14 +70,14 @@ const std::set<std::int64_t> *DiaryStore::cachedYears(MonthDay monthDay, DayFile
     if (!text)
         return nullptr;
     auto &entry = m_yearCache[monthDay];
-    entry = {date, YearSectionParser::yearsWithContent(*text)};
+    entry = {date, YearSectionParser::ascendingYearsWithContent(*text)};
     return &entry.years;
 }
 
 std::set<std::int64_t> DiaryStore::yearsWithContent(MonthDay monthDay) {
     DayFileReader reader(m_rootURL);
     const auto *years = cachedYears(monthDay, reader);
-    return years ? *years : std::set<std::int64_t>();
+    return years ? std::set<std::int64_t>(years->begin(), years->end()) : std::set<std::int64_t>();
 }
 
 template <typename Visit>
@@ -139,7 +139,7 @@ DiaryStore::ArchiveScan DiaryStore::scanArchive(const fs::path &rootURL, YearCac
     ArchiveScan scan{{}, std::move(cache), dayFiles(rootURL)};
     struct Look {
         FileTime date;
-        std::optional<std::set<std::int64_t>> years; // of a file that changed and could be read
+        std::optional<std::vector<std::int64_t>> years; // of a file that changed and could be read
         bool isCached = false;
         bool isAwaitingDownload = false;
     };
@@ -158,7 +158,7 @@ DiaryStore::ArchiveScan DiaryStore::scanArchive(const fs::path &rootURL, YearCac
                 cloudFiles.startDownloading(path);
                 look.isAwaitingDownload = true;
             } else if (const auto text = reader->read(files[index])) {
-                look.years = YearSectionParser::yearsWithContent(*text);
+                look.years = YearSectionParser::ascendingYearsWithContent(*text);
             }
             return true;
         };

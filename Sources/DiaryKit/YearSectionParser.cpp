@@ -15,6 +15,10 @@ bool isSpaceOrTab(char c) {
     return c == ' ' || c == '\t';
 }
 
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 bool isFenceLine(std::string_view line) {
     constexpr std::string_view fence = "```";
     line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
@@ -111,26 +115,32 @@ std::string preparedFor(std::int64_t year, std::string_view text) {
 } // namespace
 
 std::optional<std::int64_t> yearHeader(std::string_view line) {
+    constexpr std::size_t yearDigits = 4;
     if (line.size() < 7 || !line.starts_with("##") || !isSpaceOrTab(line[2]))
         return std::nullopt;
-    const auto digits = line.find_first_not_of(" \t", 2);
-    if (digits == std::string_view::npos)
-        return std::nullopt;
-    const auto afterDigits = std::min(line.find_first_not_of("0123456789", digits), line.size());
-    if (afterDigits - digits != 4)
-        return std::nullopt;
-    const auto rest = line.substr(afterDigits);
-    // A carriage return with its line feed is a character of its own, and not one that may follow.
-    if (rest.find_first_not_of(" \t\r") != std::string_view::npos)
-        return std::nullopt;
+    std::size_t at = 3;
+    while (at < line.size() && isSpaceOrTab(line[at]))
+        ++at;
+    const auto digits = at;
     std::int64_t year = 0;
-    for (const char digit : line.substr(digits, 4))
-        year = year * 10 + (digit - '0');
-    return year;
+    for (; at < line.size() && isDigit(line[at]); ++at) {
+        if (at == digits + yearDigits)
+            return std::nullopt;
+        year = year * 10 + (line[at] - '0');
+    }
+    if (at != digits + yearDigits)
+        return std::nullopt;
+    // A carriage return with its line feed is a character of its own, and not one that may follow.
+    const auto mayFollow = [](char c) { return isSpaceOrTab(c) || c == '\r'; };
+    return std::all_of(line.begin() + static_cast<std::ptrdiff_t>(at), line.end(), mayFollow)
+               ? std::optional(year)
+               : std::nullopt;
 }
 
 std::vector<Section> sections(std::string_view text) {
+    constexpr std::size_t usualCount = 64;
     std::vector<Section> result;
+    result.reserve(usualCount);
     scanHeaders(text, [&](std::int64_t year, ByteRange header) {
         if (!result.empty())
             result.back().bodyRange.end = header.begin;
@@ -156,13 +166,22 @@ std::optional<std::string_view> documentPreamble(std::string_view text) {
     return preamble;
 }
 
-std::set<std::int64_t> yearsWithContent(std::string_view text) {
-    std::set<std::int64_t> years;
+std::vector<std::int64_t> ascendingYearsWithContent(std::string_view text) {
+    std::vector<std::int64_t> years;
     for (const auto &section : sections(text)) {
         if (!UnicodeText::isBlank(section.bodyRange.in(text)))
-            years.insert(section.year);
+            years.push_back(section.year);
     }
+    // As the diary writes them, they are in order already.
+    if (!std::is_sorted(years.begin(), years.end()))
+        std::sort(years.begin(), years.end());
+    years.erase(std::unique(years.begin(), years.end()), years.end());
     return years;
+}
+
+std::set<std::int64_t> yearsWithContent(std::string_view text) {
+    const auto years = ascendingYearsWithContent(text);
+    return {years.begin(), years.end()};
 }
 
 bool isEffectivelyEmpty(std::string_view text, std::string_view title) {

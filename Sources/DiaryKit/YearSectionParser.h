@@ -56,6 +56,9 @@ std::optional<std::string_view> documentPreamble(std::string_view text);
 // The years whose sections hold anything but whitespace.
 std::set<std::int64_t> yearsWithContent(std::string_view text);
 
+// The same, each once and ascending, for those who ask of hundreds of files.
+std::vector<std::int64_t> ascendingYearsWithContent(std::string_view text);
+
 // True when every line is blank, the title line "# " + `title`, or a year header.
 bool isEffectivelyEmpty(std::string_view text, std::string_view title);
 

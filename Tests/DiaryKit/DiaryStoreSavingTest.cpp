@@ -183,12 +183,12 @@ TEST_F(DiaryStoreSaving, remembersTheYearsOfWhatItSaved) {
     auto store = openStore();
     const auto first = store.save("# 03-14\n\n## 2020\n\nx\n\n## 2021\n\n## 2022\n\ny\n", piDay);
     ASSERT_TRUE(store.yearCache().contains(piDay));
-    EXPECT_EQ(store.yearCache().at(piDay).years, (std::set<std::int64_t>{2020, 2022}));
+    EXPECT_EQ(store.yearCache().at(piDay).years, (std::vector<std::int64_t>{2020, 2022}));
     EXPECT_EQ(store.yearCache().at(piDay).mtime, first.modificationDate);
     EXPECT_FALSE(store.awaitingDownload().contains(piDay));
 
     const auto second = saveEntry(store, 2020, "");
-    EXPECT_EQ(store.yearCache().at(piDay).years, std::set<std::int64_t>{2022});
+    EXPECT_EQ(store.yearCache().at(piDay).years, std::vector<std::int64_t>{2022});
     EXPECT_EQ(store.yearCache().at(piDay).mtime, second.modificationDate);
     store.invalidateCaches();
     EXPECT_TRUE(store.yearCache().contains(piDay));
@@ -201,7 +201,7 @@ TEST_F(DiaryStoreSaving, remembersTheYearsThatWereFoldedIn) {
     const auto text = store.loadText(piDay);
     replaceByRename(document(m_threeYears));
     store.save(text + "\n## 2024\n\nmine\n", piDay);
-    EXPECT_EQ(store.yearCache().at(piDay).years, (std::set<std::int64_t>{2020, 2021, 2022, 2024}));
+    EXPECT_EQ(store.yearCache().at(piDay).years, (std::vector<std::int64_t>{2020, 2021, 2022, 2024}));
 }
 
 TEST_F(DiaryStoreSaving, reportsTheFilesOwnDate) {
@@ -264,7 +264,7 @@ TEST_F(DiaryStoreSaving, savesAHugeFile) {
     text += "\n## 2022\n\nmine\n";
     store.save(text, piDay);
     EXPECT_TRUE(store.loadText(piDay) == text);
-    EXPECT_EQ(store.yearCache().at(piDay).years, (std::set<std::int64_t>{2020, 2021, 2022}));
+    EXPECT_EQ(store.yearCache().at(piDay).years, (std::vector<std::int64_t>{2020, 2021, 2022}));
 }
 
 // What refuses to be saved.
@@ -560,7 +560,7 @@ TEST_F(DiaryStoreSaving, mendsASaveThatWasOverwritten) {
     EXPECT_EQ(store.repairOverwrittenSaves(), std::set{piDay});
     EXPECT_EQ(savedBodies(),
               (Bodies{{2020, "one"}, {2021, "two"}, {2022, "three"}, {2023, "theirs"}, {2024, "mine"}}));
-    EXPECT_EQ(store.yearCache().at(piDay).years, (std::set<std::int64_t>{2020, 2021, 2022, 2023, 2024}));
+    EXPECT_EQ(store.yearCache().at(piDay).years, (std::vector<std::int64_t>{2020, 2021, 2022, 2023, 2024}));
     EXPECT_EQ(store.repairOverwrittenSaves(), std::set<MonthDay>{});
     expectNothingElse();
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <Support/FakeCloudFiles.h>
 #include <Support/ManualExecutor.h>
@@ -22,6 +23,7 @@ using testing::ManualExecutor;
 using testing::TemporaryFolder;
 using Days = std::set<MonthDay>;
 using Years = std::set<std::int64_t>;
+using AscendingYears = std::vector<std::int64_t>;
 using Snapshot = DiaryStore::ArchiveSnapshot;
 
 class DiaryStoreScan : public ::testing::Test {
@@ -194,7 +196,7 @@ TEST_F(DiaryStoreSnapshot, scansInTheBackgroundAndAppliesOnTheMainThread) {
     ASSERT_TRUE(loaded);
     EXPECT_EQ(loaded->overview, (DiaryStore::Overview{1, 2024, 1}));
     EXPECT_EQ(store.cachedFiles(), (Days{{3, 14}}));
-    EXPECT_EQ(store.yearCache().at({3, 14}).years, Years{2024});
+    EXPECT_EQ(store.yearCache().at({3, 14}).years, AscendingYears{2024});
 }
 
 TEST_F(DiaryStoreSnapshot, neverUndoesASaveMadeWhileItRan) {
@@ -207,7 +209,7 @@ TEST_F(DiaryStoreSnapshot, neverUndoesASaveMadeWhileItRan) {
     const auto saved = store.yearCache().at({3, 14});
     executor.runMain();
     EXPECT_EQ(store.yearCache().at({3, 14}), saved);
-    EXPECT_EQ(saved.years, (Years{2023, 2024}));
+    EXPECT_EQ(saved.years, (AscendingYears{2023, 2024}));
 }
 
 TEST_F(DiaryStoreSnapshot, keepsTheStoresEntryOnEqualDatesAndTakesLaterOnes) {
@@ -222,8 +224,8 @@ TEST_F(DiaryStoreSnapshot, keepsTheStoresEntryOnEqualDatesAndTakesLaterOnes) {
     store.loadArchiveSnapshot([](const Snapshot &) {});
     executor.runBackground();
     executor.runMain();
-    EXPECT_EQ(store.yearCache().at({3, 14}).years, Years{2023});
-    EXPECT_EQ(store.yearCache().at({3, 15}).years, Years{2021});
+    EXPECT_EQ(store.yearCache().at({3, 14}).years, AscendingYears{2023});
+    EXPECT_EQ(store.yearCache().at({3, 15}).years, AscendingYears{2021});
 }
 
 TEST_F(DiaryStoreSnapshot, doesNothingWhenTheStoreIsGone) {

@@ -664,5 +664,11 @@ TEST(YearSectionParser, neverChangesAnotherYearWhateverIsTypedIntoWhateverText) 
     EXPECT_GT(inserted, 1000);
 }
 
+TEST(YearSectionParser, listsTheYearsWithContentInOrderWhateverTheirOrderInTheText) {
+    const std::string text = "## 2024\n\na\n\n## 2022\n\nb\n\n## 2023\n\n\n## 2024\n\nc\n";
+    EXPECT_EQ(YearSectionParser::ascendingYearsWithContent(text), (std::vector<std::int64_t>{2022, 2024}));
+    EXPECT_EQ(YearSectionParser::yearsWithContent(text), (std::set<std::int64_t>{2022, 2024}));
+}
+
 } // namespace
 } // namespace diary::YearSectionParser
