@@ -322,6 +322,18 @@ std::vector<std::string> failingWith(const std::string &fault) {
     return {"--seccomp-bpf", "-o", "/dev/null", "-e", fault};
 }
 
+// What the program itself said. The sanitizers look whether memory is there by writing from it to a pipe of
+// their own, and say so when a failure meant for the program strikes that.
+std::string complaints(const std::string &errors) {
+    std::istringstream lines(errors);
+    std::string said;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && !line.starts_with("SanitizerTool: CHECK failed: sanitizer_posix"))
+            said += line + "\n";
+    }
+    return said;
+}
+
 TEST_P(SavingFaults, areReportedWithTheFileWhole) {
     const auto &scenario = GetParam();
     std::atomic<int> failed = 0;
@@ -337,7 +349,7 @@ TEST_P(SavingFaults, areReportedWithTheFileWhole) {
             overtaken += result.rival == Rival::InTime ? 1 : 0;
             EXPECT_THAT(contentsAfter(result), Contains(place.dayFile())) << "exit " << exitCode;
             EXPECT_THAT((std::array{0, 1}), Contains(exitCode)) << result.program.errors;
-            EXPECT_EQ(result.program.errors.empty(), exitCode == 0) << result.program.errors;
+            EXPECT_EQ(complaints(result.program.errors).empty(), exitCode == 0) << result.program.errors;
             EXPECT_TRUE(exitCode == 0 || failure.error != std::string_view("EINTR")) << result.program.errors;
             EXPECT_THAT(place.names(), IsSubsetOf(Names{"03-14.md"}));
             EXPECT_TRUE(!scenario.theirs || place.holdsTheirs());
