@@ -227,6 +227,29 @@ const std::array<QColor, 4> &heatShades() {
     return shades;
 }
 
+QFont serif(double size) {
+    QFont font;
+    font.setFamilies({QStringLiteral("DejaVu Serif")});
+    font.setPixelSize(qRound(size));
+    return font;
+}
+
+QFont mono(double size, Weight weight, double letterSpacing) {
+    QFont font;
+    font.setFamilies({QStringLiteral("IBM Plex Mono"), QStringLiteral("DejaVu Sans Mono")});
+    font.setPixelSize(qRound(size));
+    font.setWeight(weight == Weight::Regular ? QFont::Normal : QFont::Medium);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, letterSpacing);
+    return font;
+}
+
+QFont system(double size, Weight weight) {
+    QFont font;
+    font.setPixelSize(qRound(size));
+    font.setWeight(weight == Weight::Regular ? QFont::Normal : QFont::Medium);
+    return font;
+}
+
 QPalette palette() {
     QPalette colors;
     colors.setColor(QPalette::Window, bar());

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QPalette>
 
 #include <array>
 
-// The one palette: a warm, paper-like light scheme, whatever the desktop's own. Main thread only.
+// The one palette and the fonts: a warm, paper-like light scheme, whatever the desktop's own. Main thread
+// only.
 //
-// Names stand for roles. Some share a value and stay separate all the same, to be adjusted separately.
+// Names of colours stand for roles. Some share a value and stay separate all the same, to be adjusted
+// separately.
 namespace diary::Theme {
 
 QColor accent();
@@ -52,6 +55,18 @@ QColor railYear();
 
 // From no writing to the most writing.
 const std::array<QColor, 4> &heatShades();
+
+enum class Weight { Regular, Medium };
+
+// The fonts. Sizes are in logical pixels and are rounded to whole ones, as the fonts are loaded in whole
+// pixels. Letter spacing is in logical pixels.
+
+// The diary's own text: the family of the user's choice, else the built-in serif. Looked up at each call.
+QFont serif(double size);
+// Names, numbers and source text.
+QFont mono(double size, Weight weight = Weight::Regular, double letterSpacing = 0);
+// Labels and buttons.
+QFont system(double size, Weight weight = Weight::Regular);
 
 // For the widgets that are not painted by hand.
 QPalette palette();
