@@ -1,21 +1,58 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/AboutBox.h>
+#include <DiaryApp/Alert.h>
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/DebugScenario.h>
+#include <DiaryApp/FileManager.h>
+#include <DiaryApp/Localization.h>
+#include <DiaryApp/MainMenu.h>
 #include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/QtExecutor.h>
+#include <DiaryApp/RescuedTexts.h>
+#include <DiaryApp/Settings.h>
 #include <DiaryApp/TerminationSignals.h>
+#include <DiaryApp/Text.h>
 #include <DiaryApp/Theme.h>
-#include <DiaryKit/Defaults.h>
+#include <DiaryApp/VaultClaim.h>
+#include <DiaryApp/WindowFrame.h>
 #include <DiaryKit/DiaryStore.h>
-#include <DiaryKit/UserDirectories.h>
 #include <DiaryKit/VaultLocation.h>
 
 #include <QApplication>
 #include <QMainWindow>
 
+#include <chrono>
+#include <thread>
+#include <utility>
+
 namespace diary {
 
-AppDelegate::AppDelegate(Clock &clock) : m_clock(clock), m_executor(std::make_unique<QtExecutor>()) {
+namespace {
+
+using namespace std::chrono_literals;
+
+// How long another process may take from its start to listening.
+constexpr auto longestStart = 5s;
+constexpr auto pauseBetweenKnocks = 50ms;
+
+bool isScenario() {
+    return qEnvironmentVariableIsSet("DIARY_SCREENSHOT");
+}
+
+std::filesystem::path chosenVault() {
+    return VaultLocation::chosen(Settings::shared().defaults());
+}
+
+// What the desktop gave this process to take the focus with.
+QByteArray activationToken() {
+    const auto token = qgetenv("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager)
+    : m_clock(clock), m_fileManager(fileManager), m_executor(std::make_unique<QtExecutor>()) {
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &AppDelegate::applicationStateChanged);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationShouldTerminate);
     // The session manager goes on with the log-out only after this returns.
@@ -28,18 +65,69 @@ AppDelegate::~AppDelegate() = default;
 
 std::unique_ptr<DiaryStore> AppDelegate::makeStore(Executor &executor) {
     DiaryStore::Options options;
+    options.conflictMarker = toUtf8(L("ConflictMarker"));
     options.executor = &executor;
-    return std::make_unique<DiaryStore>(VaultLocation::chosen(Defaults()), std::move(options));
+    return std::make_unique<DiaryStore>(chosenVault(), std::move(options));
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
     QApplication::setPalette(Theme::palette());
+    // A scripted run writes what it is told to and takes a picture; it may look at a vault in use.
+    if (!isScenario() && !claimVault()) {
+        QCoreApplication::exit();
+        return;
+    }
 
     m_terminationSignals = std::make_unique<TerminationSignals>([this] { terminate(); });
-    m_mainWindowController = std::make_unique<MainWindowController>(makeStore(*m_executor), m_clock);
+    m_mainWindowController = makeMainWindow();
+    if (!isScenario())
+        WindowFrame::restore(*m_mainWindowController->window());
+    showMainWindow();
+    if (isScenario())
+        runDebugScenario(*this);
+    tellOfRescuedTexts();
+    maybeShowOnboarding();
+}
 
-    const bool isScenario = qEnvironmentVariableIsSet("DIARY_SCREENSHOT");
-    const bool comesToFront = !isScenario || qEnvironmentVariableIsSet("DIARY_ACTIVATE");
+// False when another process has the vault's window and was asked to show it.
+bool AppDelegate::claimVault() {
+    const auto vault = chosenVault();
+    if (m_claimedVault == vault)
+        return true;
+    const auto deadline = std::chrono::steady_clock::now() + longestStart;
+    do {
+        if (auto claim = VaultClaim::take(vault)) {
+            claim->onKnock = [this](const QByteArray &token) {
+                if (!m_mainWindowController)
+                    return;
+                qputenv("XDG_ACTIVATION_TOKEN", token);
+                m_mainWindowController->bringToFront();
+            };
+            m_claim = std::move(claim);
+            m_claimedVault = vault;
+            return true;
+        }
+        if (VaultClaim::knock(vault, activationToken()))
+            return false;
+        std::this_thread::sleep_for(pauseBetweenKnocks);
+    } while (std::chrono::steady_clock::now() < deadline);
+    return false;
+}
+
+std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
+    MenuActions actions;
+    actions.quit = [this] { terminate(); };
+    auto controller = std::make_unique<MainWindowController>(makeStore(*m_executor), m_clock, m_fileManager,
+                                                             std::move(actions));
+    controller->onClose = [this, window = controller.get()] {
+        if (window == m_mainWindowController.get())
+            terminate();
+    };
+    return controller;
+}
+
+void AppDelegate::showMainWindow() {
+    const bool comesToFront = !isScenario() || qEnvironmentVariableIsSet("DIARY_ACTIVATE");
     auto *window = m_mainWindowController->window();
     window->setAttribute(Qt::WA_ShowWithoutActivating, !comesToFront);
     m_mainWindowController->showWindow();
@@ -47,8 +135,81 @@ void AppDelegate::applicationDidFinishLaunching() {
         window->raise();
         window->activateWindow();
     }
-    if (isScenario)
-        runDebugScenario(*this);
+}
+
+void AppDelegate::rebuildMainWindow() {
+    auto &old = m_retired.emplace_back(m_mainWindowController.release());
+    if (old && !old->session().flushSaveIfDirty())
+        old->session().rescueUnsavedText(RescuedTexts::folder());
+    const bool isHere = isScenario() || claimVault();
+
+    m_mainWindowController = makeMainWindow();
+    if (old) {
+        m_mainWindowController->session().open(old->session().currentMonthDay());
+        m_mainWindowController->window()->restoreGeometry(old->window()->saveGeometry());
+    }
+    showMainWindow();
+    if (old)
+        old->window()->close();
+    // Not at once: this may be the answer to an alert of that window.
+    QMetaObject::invokeMethod(
+        this, [this] { m_retired.clear(); }, Qt::QueuedConnection);
+    if (!isHere)
+        showAlert(m_mainWindowController->window(),
+                  {.icon = QMessageBox::Warning, .message = L("Tavelo is already open on this diary.")});
+    tellOfRescuedTexts();
+}
+
+void AppDelegate::applyLanguageChange() {
+    rebuildMainWindow();
+}
+
+void AppDelegate::maybeShowOnboarding() {
+    const bool isAskedFor = qEnvironmentVariableIsSet("DIARY_VIEW_ONBOARD");
+    const bool isScripted = isScenario() || qEnvironmentVariableIsSet("DIARY_ROOT");
+    if (!isAskedFor && (isScripted || !Settings::shared().needsOnboarding()))
+        return;
+    const auto cloudVault = VaultLocation::cloudVault();
+    showAlert(m_mainWindowController->window(),
+              {.icon = QMessageBox::Question,
+               .message = L("OnboardTitle"),
+               .informativeText = L("OnboardInfo"),
+               .buttons = {L("OnboardICloud"), L("OnboardLocal")},
+               .onAnswer = [this, cloudVault](int button) {
+                   finishOnboarding(button == 0 && cloudVault ? *cloudVault : VaultLocation::localVault());
+               }});
+}
+
+void AppDelegate::finishOnboarding(const std::filesystem::path &vault) {
+    std::error_code error;
+    // Should it fail, the first save says so.
+    std::filesystem::create_directories(vault, error);
+    try {
+        Settings::shared().setVaultPath(vault);
+        Settings::shared().setHasOnboarded(true);
+    } catch (const std::filesystem::filesystem_error &failure) {
+        showAlert(m_mainWindowController->window(),
+                  {.icon = QMessageBox::Warning, .message = toQString(failure.what())});
+        return;
+    }
+    rebuildMainWindow();
+}
+
+void AppDelegate::tellOfRescuedTexts() {
+    if (!RescuedTexts::haveNews())
+        return;
+    showAlert(
+        m_mainWindowController->window(),
+        {.icon = QMessageBox::Information,
+         .message = L("Tavelo could not save this text to the diary when it was last closed. It is kept "
+                      "in this folder:"),
+         .informativeText = pathToQString(RescuedTexts::folder()),
+         .buttons = {L("Show Folder"), L("OK")},
+         .onAnswer = [this](int button) {
+             RescuedTexts::markAsTold();
+             if (button == 0)
+                 m_fileManager.openFolder(RescuedTexts::folder());
+         }});
 }
 
 void AppDelegate::applicationStateChanged(Qt::ApplicationState state) {
@@ -67,11 +228,13 @@ void AppDelegate::applicationShouldTerminate() {
         return;
     auto &session = m_mainWindowController->session();
     if (!session.flushSaveIfDirty())
-        session.rescueUnsavedText(UserDirectories::state() / "rescued");
+        session.rescueUnsavedText(RescuedTexts::folder());
 }
 
 void AppDelegate::terminate() {
     applicationShouldTerminate();
+    if (m_mainWindowController && !isScenario())
+        WindowFrame::remember(*m_mainWindowController->window());
     QCoreApplication::exit();
 }
 

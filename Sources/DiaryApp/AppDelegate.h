@@ -5,33 +5,45 @@
 
 #include <QObject>
 
+#include <filesystem>
 #include <memory>
-
-class QSessionManager;
+#include <optional>
+#include <vector>
 
 namespace diary {
 
 class DiaryStore;
 class Executor;
+class FileManager;
 class MainWindowController;
 class QtExecutor;
 class TerminationSignals;
+class VaultClaim;
 
-// The application's life: start-up, the main window, and a flush on every way out. Main thread only; needs a
-// QApplication, and the clock must outlive it.
+// The application's life: start-up, the main window and what replaces it, and a flush on every way out. Main
+// thread only; needs a QApplication. The clock and the file manager must outlive it.
 class AppDelegate : public QObject {
     Q_OBJECT
 
 public:
-    explicit AppDelegate(Clock &clock);
+    AppDelegate(Clock &clock, FileManager &fileManager);
     ~AppDelegate() override;
 
+    // When another process shows the same vault already, its window comes to the front and this process ends.
     void applicationDidFinishLaunching();
 
     // Over the folder that DIARY_ROOT, the settings or the default rule name.
     static std::unique_ptr<DiaryStore> makeStore(Executor &executor);
 
+    // None before start-up.
     MainWindowController *mainWindowController() const { return m_mainWindowController.get(); }
+
+    // A new window over the vault that the settings now name, on the same day of the calendar; the old one
+    // is saved and closed.
+    void rebuildMainWindow();
+
+    // Every text is looked up again, in the language that the settings now name.
+    void applyLanguageChange();
 
     // Saves the draft. What cannot be saved is put into the rescue folder, so that it outlives the process.
     void applicationShouldTerminate();
@@ -41,10 +53,21 @@ public:
 
 private:
     void applicationStateChanged(Qt::ApplicationState state);
+    bool claimVault();
+    std::unique_ptr<MainWindowController> makeMainWindow();
+    void showMainWindow();
+    void maybeShowOnboarding();
+    void finishOnboarding(const std::filesystem::path &vault);
+    void tellOfRescuedTexts();
 
     Clock &m_clock;
+    FileManager &m_fileManager;
     std::unique_ptr<QtExecutor> m_executor;
+    std::optional<std::filesystem::path> m_claimedVault;
+    std::unique_ptr<VaultClaim> m_claim;
     std::unique_ptr<MainWindowController> m_mainWindowController;
+    // Closed, and soon gone.
+    std::vector<std::unique_ptr<MainWindowController>> m_retired;
     std::unique_ptr<TerminationSignals> m_terminationSignals;
 };
 

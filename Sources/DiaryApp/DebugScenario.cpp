@@ -5,6 +5,7 @@
 #include <DiaryApp/MainWindowController.h>
 
 #include <QApplication>
+#include <QMainWindow>
 #include <QPixmap>
 #include <QTextCursor>
 #include <QTimer>
@@ -28,6 +29,10 @@ std::chrono::milliseconds screenshotDelay() {
     return std::chrono::milliseconds(std::lround((usable ? seconds : defaultDelaySeconds) * 1000));
 }
 
+bool isSwitchedOn(const char *variable) {
+    return qEnvironmentVariable(variable) == QLatin1String("1");
+}
+
 // File names such as 02-30.md are keys too, but no day to go to.
 bool isOnCalendar(MonthDay monthDay) {
     return monthDay.day <= MonthDay::daysInCycleMonth.at(static_cast<std::size_t>(monthDay.month - 1));
@@ -43,8 +48,22 @@ void showRequestedEntry(EditingSession &session) {
     if (isYear)
         session.pickYear(year);
 
-    if (qEnvironmentVariable("DIARY_VIEW_SOURCE") == QLatin1String("1"))
+    if (isSwitchedOn("DIARY_VIEW_SOURCE"))
         session.toggleSourceView();
+}
+
+// A picture that cannot be written is no reason to miss the next.
+void takePicture(QWidget *view, const QString &path) {
+    view->grab().save(path, "PNG");
+}
+
+void takePictures(AppDelegate &delegate, const QString &path) {
+    if (auto *controller = delegate.mainWindowController())
+        takePicture(controller->contentView(), path);
+    for (auto *window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->windowType() == Qt::Dialog)
+            takePicture(window, path + QStringLiteral(".panel.png"));
+    }
 }
 
 } // namespace
@@ -55,13 +74,14 @@ void runDebugScenario(AppDelegate &delegate) {
 
     auto *mainWindow = delegate.mainWindowController();
     showRequestedEntry(mainWindow->session());
+    if (isSwitchedOn("DIARY_FULLSCREEN"))
+        mainWindow->window()->setWindowState(mainWindow->window()->windowState() ^ Qt::WindowFullScreen);
     if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView()->isEnabled())
         mainWindow->textView()->textCursor().insertText(qEnvironmentVariable("DIARY_TYPE_TEXT"));
 
     const auto path = qEnvironmentVariable("DIARY_SCREENSHOT");
     QTimer::singleShot(screenshotDelay(), &delegate, [&delegate, path] {
-        if (auto *controller = delegate.mainWindowController())
-            controller->contentView()->grab().save(path, "PNG");
+        takePictures(delegate, path);
         delegate.terminate();
     });
 }

@@ -1,24 +1,30 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/AboutBox.h>
+#include <DiaryApp/Alert.h>
 #include <DiaryApp/EntryTextEdit.h>
+#include <DiaryApp/FileManager.h>
+#include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/Theme.h>
 #include <DiaryKit/UserDirectories.h>
 
-#include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QTextCursor>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <system_error>
 
 namespace diary {
 
@@ -61,15 +67,17 @@ QString abbreviatingHome(const std::filesystem::path &path) {
 
 } // namespace
 
-MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock)
-    : m_store(std::move(store)),
+MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock,
+                                           FileManager &fileManager, MenuActions programActions)
+    : m_fileManager(fileManager),
+      m_store(std::move(store)),
       m_session(std::make_unique<EditingSession>(*m_store, clock)),
       m_flashTimer(clock.makeTimer([this] { renderStatus(); })),
-      m_window(std::make_unique<QMainWindow>()) {
+      m_window(std::make_unique<QMainWindow>()),
+      m_dayChange(clock, [this] { m_session->calendarDayChanged(); }) {
     buildWindow();
-    buildActions();
-    // The measures are of the content view; the menu bar comes on top.
-    m_window->resize(initialContentSize + QSize(0, m_window->menuBar()->sizeHint().height()));
+    connectControls();
+    buildMenu(std::move(programActions));
     connectSession();
     watchVault();
     m_session->openToday();
@@ -115,6 +123,7 @@ void MainWindowController::buildWindow() {
     QWidget::setTabOrder(m_years, m_today);
     QWidget::setTabOrder(m_today, m_textView);
 
+    m_window->setObjectName(QStringLiteral("DiaryMainWindow"));
     m_window->setCentralWidget(m_contentView);
     m_contentView->setMinimumSize(minimumContentSize);
     m_window->installEventFilter(this);
@@ -165,40 +174,39 @@ QWidget *MainWindowController::buildTopBar() {
     return topBar;
 }
 
-void MainWindowController::buildActions() {
+void MainWindowController::connectControls() {
     connect(m_previousDay, &QPushButton::clicked, this, [this] { m_session->step(-1); });
     connect(m_nextDay, &QPushButton::clicked, this, [this] { m_session->step(1); });
     connect(m_today, &QPushButton::clicked, this, [this] { m_session->openToday(); });
     connect(m_years, &QComboBox::activated, this,
             [this](int index) { m_session->pickYear(m_years->itemData(index).toLongLong()); });
+}
 
-    const auto addAction = [this](QMenu *menu, const QString &text, const QList<QKeySequence> &keys,
-                                  auto action) {
-        auto *entry = menu->addAction(text);
-        entry->setShortcuts(keys);
-        connect(entry, &QAction::triggered, this, action);
-    };
-    auto *file = m_window->menuBar()->addMenu(QStringLiteral("&File"));
-    addAction(file, QStringLiteral("&Save"), {QKeySequence::Save}, [this] { m_session->flushSaveIfDirty(); });
-    file->addSeparator();
-    addAction(file, QStringLiteral("&Quit"), {QKeySequence(Qt::CTRL | Qt::Key_Q)},
-              [this] { m_window->close(); });
-    auto *day = m_window->menuBar()->addMenu(QStringLiteral("&Day"));
-    addAction(day, QStringLiteral("&Previous Day"), {QKeySequence(Qt::ALT | Qt::Key_Left)},
-              [this] { m_session->step(-1); });
-    addAction(day, QStringLiteral("&Next Day"), {QKeySequence(Qt::ALT | Qt::Key_Right)},
-              [this] { m_session->step(1); });
-    addAction(day, QStringLiteral("&Today"), {QKeySequence(Qt::CTRL | Qt::Key_T)},
-              [this] { m_session->openToday(); });
+void MainWindowController::buildMenu(MenuActions actions) {
+    auto *window = m_window.get();
+    actions.showAbout = [window] { showAboutBox(window); };
+    actions.hide = [window] { window->showMinimized(); };
+    actions.close = [window] { window->close(); };
+    actions.save = [this] { m_session->flushSaveIfDirty(); };
+    actions.showInFileManager = [this] { showInFileManager(); };
+    actions.toggleSource = [this] { m_session->toggleSourceView(); };
+    actions.goToPreviousDay = [this] { m_session->step(-1); };
+    actions.goToNextDay = [this] { m_session->step(1); };
+    actions.goToToday = [this] { m_session->openToday(); };
+    actions.goToRandomDay = [this] { goToRandomDay(); };
+    actions.minimize = [window] { window->showMinimized(); };
+    actions.zoom = [window] { window->isMaximized() ? window->showNormal() : window->showMaximized(); };
+    auto *menuBar = MainMenuBuilder::build(std::move(actions), window);
+    window->setMenuBar(menuBar);
+    // The measures are of the content view; the menu bar comes on top.
+    window->resize(initialContentSize + QSize(0, menuBar->sizeHint().height()));
 }
 
 void MainWindowController::connectSession() {
     m_textView->onTextChanged = [this](const QString &text) { m_session->draftChanged(text); };
     m_session->onRender = [this](EditingSession::Parts parts) { render(parts); };
     m_session->onDirtyChanged = [this](bool dirty) { m_window->setWindowModified(dirty); };
-    m_session->onMergedConflicts = [this] {
-        flash(QStringLiteral("Merged the changes that another device made to this day"));
-    };
+    m_session->onMergedConflicts = [this] { flash(L("MergedRemoteNotice")); };
     m_session->onSaveError = [this](const QString &systemText) { showSaveError(systemText); };
     m_session->onShowFromTop = [this] {
         // Undoing here what was typed into another entry would put it into this one.
@@ -214,10 +222,32 @@ void MainWindowController::showWindow() {
     m_textView->setFocus();
 }
 
+void MainWindowController::bringToFront() {
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void MainWindowController::goToRandomDay() {
+    if (const auto day = m_store->randomDayWithContent())
+        m_session->open(*day);
+    else
+        QApplication::beep();
+}
+
+void MainWindowController::showInFileManager() {
+    const auto file = m_store->fileURL(m_session->currentMonthDay());
+    std::error_code error;
+    m_fileManager.reveal(std::filesystem::exists(file, error) ? file : m_store->rootURL());
+}
+
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::Close) {
         m_session->flushSaveIfDirty();
         m_vaultObserver.reset();
+        if (onClose)
+            onClose();
     }
     return QObject::eventFilter(watched, event);
 }
@@ -228,7 +258,12 @@ void MainWindowController::watchVault() {
         QMetaObject::invokeMethod(
             this, [this] { m_session->scheduleRemoteRefresh(); }, Qt::QueuedConnection);
     });
-    m_vaultObserver->start();
+    try {
+        m_vaultObserver->start();
+    } catch (const std::system_error &) {
+        // The diary works without; it then learns of changes when it is activated.
+        flash(L("The diary folder could not be watched for changes."));
+    }
 }
 
 void MainWindowController::flash(const QString &notice) {
@@ -237,14 +272,10 @@ void MainWindowController::flash(const QString &notice) {
 }
 
 void MainWindowController::showSaveError(const QString &systemText) {
-    auto *alert =
-        new QMessageBox(QMessageBox::Warning, QStringLiteral("Tavelo"),
-                        QStringLiteral("This entry could not be saved. Tavelo keeps it and will try again."),
-                        QMessageBox::Ok, m_window.get());
-    alert->setInformativeText(systemText);
-    alert->setAttribute(Qt::WA_DeleteOnClose);
-    // Not exec(): a nested event loop in the middle of a save, or of quitting, would be a trap.
-    alert->open();
+    showAlert(m_window.get(),
+              {.icon = QMessageBox::Warning,
+               .message = L("This entry could not be saved. Tavelo keeps it and will try again."),
+               .informativeText = systemText});
 }
 
 void MainWindowController::render(EditingSession::Parts parts) {

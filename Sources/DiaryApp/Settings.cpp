@@ -50,7 +50,8 @@ Settings &Settings::shared() {
 
 double Settings::editorFontSize() const {
     const double points = m_defaults.number(editorFontSizeKey).value_or(defaultEditorFontSize);
-    return points > 0 ? points : defaultEditorFontSize;
+    const bool canBeShown = points >= 4 && points <= 288;
+    return canBeShown ? points : defaultEditorFontSize;
 }
 
 void Settings::setEditorFontSize(double points) {

@@ -33,7 +33,7 @@ public:
 
     const Defaults &defaults() const { return m_defaults; }
 
-    // Points; any positive number may be stored.
+    // Points. A stored size outside 4 to 288 counts as none.
     double editorFontSize() const;
     void setEditorFontSize(double points);
 

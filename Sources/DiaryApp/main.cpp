@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/FileManager.h>
 
 #include <QApplication>
 #include <QTimer>
@@ -30,8 +31,12 @@ int main(int argc, char *argv[]) {
     QApplication::setApplicationDisplayName(QStringLiteral("Tavelo"));
     QApplication::setApplicationVersion(QStringLiteral(TAVELO_VERSION));
 
+    // Closing the main window ends the program, whatever else is open.
+    QApplication::setQuitOnLastWindowClosed(false);
+
     diary::SystemClock clock;
-    diary::AppDelegate delegate(clock);
+    diary::DesktopFileManager fileManager;
+    diary::AppDelegate delegate(clock, fileManager);
     QTimer::singleShot(0, &delegate, &diary::AppDelegate::applicationDidFinishLaunching);
     return QApplication::exec();
 }

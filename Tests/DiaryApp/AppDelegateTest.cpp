@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Support/FakeClock.h"
+#include "Support/FakeFileManager.h"
 #include "Support/ManualExecutor.h"
 #include "Support/ScopedEnvironment.h"
 #include "Support/TemporaryFolder.h"
@@ -7,18 +8,25 @@
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/EntryTextEdit.h>
 #include <DiaryApp/MainWindowController.h>
-#include <DiaryKit/Defaults.h>
+#include <DiaryApp/Settings.h>
+#include <DiaryApp/VaultClaim.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
+#include <system_error>
+#include <vector>
 
 namespace diary {
 namespace {
@@ -31,13 +39,22 @@ using testing::ScopedEnvironment;
 // A home folder of its own for each test.
 class AppDelegateTest : public ::testing::Test {
 protected:
+    // The settings' place is found once, before this test had a folder of its own.
+    void TearDown() override {
+        std::error_code error;
+        std::filesystem::remove(Settings::shared().defaults().path(), error);
+    }
+
     testing::TemporaryFolder folder;
     testing::FakeClock clock{{2025, 3, 14}};
+    testing::FakeFileManager fileManager;
     testing::ManualExecutor executor;
     ScopedEnvironment home{"HOME", folder / "home"};
     ScopedEnvironment config{"XDG_CONFIG_HOME", folder / "config"};
     ScopedEnvironment state{"XDG_STATE_HOME", folder / "state"};
+    ScopedEnvironment runtime{"XDG_RUNTIME_DIR", folder / "run"};
     ScopedEnvironment root{"DIARY_ROOT", std::nullopt};
+    ScopedEnvironment onboard{"DIARY_VIEW_ONBOARD", std::nullopt};
 };
 
 TEST_F(AppDelegateTest, opensTheVaultInTheDocumentsFolderByDefault) {
@@ -45,12 +62,12 @@ TEST_F(AppDelegateTest, opensTheVaultInTheDocumentsFolderByDefault) {
 }
 
 TEST_F(AppDelegateTest, opensTheVaultOfTheSettings) {
-    Defaults().set("vaultPath", (folder / "elsewhere").string());
+    Settings::shared().setVaultPath(folder / "elsewhere");
     EXPECT_EQ(AppDelegate::makeStore(executor)->rootURL(), folder / "elsewhere");
 }
 
 TEST_F(AppDelegateTest, prefersTheVaultOfTheEnvironmentAndRemembersNothingOfIt) {
-    Defaults().set("vaultPath", (folder / "elsewhere").string());
+    Settings::shared().setVaultPath(folder / "elsewhere");
     {
         const ScopedEnvironment here("DIARY_ROOT", "~/as it stands");
         EXPECT_EQ(AppDelegate::makeStore(executor)->rootURL(), "~/as it stands");
@@ -60,17 +77,17 @@ TEST_F(AppDelegateTest, prefersTheVaultOfTheEnvironmentAndRemembersNothingOfIt) 
 
 TEST_F(AppDelegateTest, makesNothingOnDiskUntilSomethingIsWritten) {
     {
-        AppDelegate delegate(clock);
+        AppDelegate delegate(clock, fileManager);
         EXPECT_EQ(delegate.mainWindowController(), nullptr);
         delegate.applicationDidFinishLaunching();
         EXPECT_TRUE(delegate.mainWindowController()->window()->isVisible());
         delegate.applicationShouldTerminate();
     }
-    EXPECT_THAT(folder.names(), IsEmpty());
+    EXPECT_THAT(folder.names(), ElementsAre("run"));
 }
 
 TEST_F(AppDelegateTest, canBeAskedToTerminateBeforeItHasAWindow) {
-    AppDelegate delegate(clock);
+    AppDelegate delegate(clock, fileManager);
     delegate.applicationShouldTerminate();
     emit qApp->applicationStateChanged(Qt::ApplicationInactive);
     EXPECT_THAT(folder.names(), IsEmpty());
@@ -80,11 +97,28 @@ TEST_F(AppDelegateTest, canBeAskedToTerminateBeforeItHasAWindow) {
 class RunningAppDelegateTest : public AppDelegateTest {
 protected:
     void start() {
-        delegate = std::make_unique<AppDelegate>(clock);
+        delegate = std::make_unique<AppDelegate>(clock, fileManager);
         delegate->applicationDidFinishLaunching();
     }
     void type(const char *text) const {
         QTest::keyClicks(delegate->mainWindowController()->textView(), QString::fromUtf8(text));
+    }
+
+    QMessageBox *alert() const {
+        auto *window = delegate->mainWindowController()->window();
+        return window->findChild<QMessageBox *>(QStringLiteral("alert"));
+    }
+    void press(const char *button) const {
+        for (auto *candidate : alert()->buttons()) {
+            if (candidate->text().remove(QLatin1Char('&')) == QLatin1String(button))
+                candidate->click();
+        }
+    }
+    static std::ptrdiff_t visibleMainWindows() {
+        const auto windows = QApplication::topLevelWidgets();
+        return std::count_if(windows.begin(), windows.end(), [](const QWidget *window) {
+            return window->isVisible() && qobject_cast<const QMainWindow *>(window);
+        });
     }
 
     // Runs the event loop, in which the action is to end the program; gives up after a while.
@@ -107,7 +141,7 @@ TEST_F(RunningAppDelegateTest, savesWhenItTerminates) {
     type("Saved");
     delegate->applicationShouldTerminate();
     EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nSaved\n");
-    EXPECT_THAT(folder.names(), ElementsAre("vault"));
+    EXPECT_THAT(folder.names(), ElementsAre("run", "vault"));
 }
 
 TEST_F(RunningAppDelegateTest, endsTheProgramWithTheTextSaved) {
@@ -148,6 +182,160 @@ TEST_F(RunningAppDelegateTest, looksForChangesWhenItComesToTheFront) {
     folder.write("vault/03-14.md", "# 03-14\n\n## 2025\n\nFrom another device\n");
     emit qApp->applicationStateChanged(Qt::ApplicationActive);
     EXPECT_EQ(delegate->mainWindowController()->textView()->text(), QStringLiteral("From another device"));
+}
+
+TEST_F(RunningAppDelegateTest, opensTheSameDayInTheNewWindowWithTheTextSaved) {
+    start();
+    auto *old = delegate->mainWindowController();
+    old->session().open({5, 1});
+    type("Saved");
+    delegate->rebuildMainWindow();
+    EXPECT_NE(delegate->mainWindowController(), old);
+    EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{5, 1}));
+    EXPECT_EQ(delegate->mainWindowController()->textView()->text(), QStringLiteral("Saved"));
+    EXPECT_EQ(folder.read("vault/05-01.md"), "# 05-01\n\n## 2025\n\nSaved\n");
+    EXPECT_TRUE(delegate->mainWindowController()->window()->isVisible());
+    EXPECT_EQ(visibleMainWindows(), 1);
+}
+
+TEST_F(RunningAppDelegateTest, keepsTheTextThatCannotBeSavedWhenTheWindowIsRebuilt) {
+    folder.write("vault", "in the way");
+    start();
+    type("Rescued");
+    delegate->rebuildMainWindow();
+    EXPECT_EQ(folder.read("state/tavelo/rescued/2025-03-14.md"), "Rescued");
+    EXPECT_NE(alert(), nullptr);
+}
+
+TEST_F(RunningAppDelegateTest, opensTheVaultThatTheSettingsNameWhenTheWindowIsRebuilt) {
+    start();
+    const ScopedEnvironment other("DIARY_ROOT", folder / "other");
+    delegate->rebuildMainWindow();
+    EXPECT_EQ(delegate->mainWindowController()->store().rootURL(), folder / "other");
+    // The vault that was left is free for others, the new one is not.
+    EXPECT_NE(VaultClaim::take(folder / "vault"), nullptr);
+    EXPECT_EQ(VaultClaim::take(folder / "other"), nullptr);
+}
+
+TEST_F(RunningAppDelegateTest, comesToTheFrontWhenItIsLaunchedAgain) {
+    start();
+    auto *window = delegate->mainWindowController()->window();
+    window->showMinimized();
+    ASSERT_TRUE(window->isMinimized());
+    EXPECT_TRUE(VaultClaim::knock(folder / "vault", {}));
+    EXPECT_TRUE(QTest::qWaitFor([window] { return !window->isMinimized(); }));
+}
+
+TEST_F(RunningAppDelegateTest, endsAtOnceWhenAnotherProcessShowsTheVault) {
+    const auto claim = VaultClaim::take(folder / "vault");
+    int knocks = 0;
+    claim->onKnock = [&](const QByteArray &) { ++knocks; };
+    start();
+    EXPECT_EQ(delegate->mainWindowController(), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return knocks == 1; }));
+}
+
+TEST_F(RunningAppDelegateTest, remembersTheFrameOfItsWindow) {
+    start();
+    delegate->mainWindowController()->window()->setGeometry(30, 40, 1200, 700);
+    EXPECT_EQ(runUntilEndedBy([this] { delegate->terminate(); }), 0);
+    delegate.reset();
+    start();
+    EXPECT_EQ(delegate->mainWindowController()->window()->geometry(), QRect(30, 40, 1200, 700));
+}
+
+TEST_F(RunningAppDelegateTest, tellsOnceWhereTheTextsAreThatWereRescued) {
+    folder.write("state/tavelo/rescued/2025-03-13.md", "Rescued");
+    start();
+    ASSERT_NE(alert(), nullptr);
+    EXPECT_TRUE(alert()->informativeText().contains(QString::fromStdString(folder / "state/tavelo/rescued")));
+    press("Show Folder");
+    EXPECT_EQ(fileManager.opened, std::vector{folder / "state/tavelo/rescued"});
+    delegate.reset();
+    start();
+    EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(RunningAppDelegateTest, tellsAgainOfRescuedTextsUntilItIsAnswered) {
+    folder.write("state/tavelo/rescued/2025-03-13.md", "Rescued");
+    start();
+    ASSERT_NE(alert(), nullptr);
+    delegate.reset();
+    start();
+    EXPECT_NE(alert(), nullptr);
+}
+
+TEST_F(RunningAppDelegateTest, noticesMidnight) {
+    start();
+    clock.setToday({2025, 3, 15});
+    EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{3, 14}));
+    delegate->mainWindowController()->session().openToday();
+    EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{3, 15}));
+}
+
+// A machine with a cloud drive and no diary yet.
+class OnboardingTest : public RunningAppDelegateTest {
+protected:
+    void SetUp() override { std::filesystem::create_directories(folder / "home/Nextcloud"); }
+
+    ScopedEnvironment root{"DIARY_ROOT", std::nullopt};
+    ScopedEnvironment screenshot{"DIARY_SCREENSHOT", std::nullopt};
+};
+
+TEST_F(OnboardingTest, asksOnceAndTakesTheDrive) {
+    start();
+    ASSERT_NE(alert(), nullptr);
+    alert()->buttons().first()->click();
+    EXPECT_EQ(delegate->mainWindowController()->store().rootURL(), folder / "home/Nextcloud/Diary");
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "home/Nextcloud/Diary"));
+    EXPECT_EQ(Settings::shared().vaultPath(), folder / "home/Nextcloud/Diary");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return alert() == nullptr; }));
+    delegate.reset();
+
+    Settings::shared().setVaultPath(std::nullopt);
+    std::filesystem::remove(folder / "home/Nextcloud/Diary");
+    start();
+    EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(OnboardingTest, takesTheFolderOfThisComputerForEveryOtherAnswer) {
+    start();
+    ASSERT_NE(alert(), nullptr);
+    QTest::keyClick(alert(), Qt::Key_Escape);
+    EXPECT_EQ(delegate->mainWindowController()->store().rootURL(), folder / "home/Documents/Diary");
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "home/Documents/Diary"));
+    EXPECT_FALSE(Settings::shared().needsOnboarding());
+}
+
+TEST_F(OnboardingTest, choosesNothingWhenTheProgramEndsBeforeTheAnswer) {
+    start();
+    ASSERT_NE(alert(), nullptr);
+    EXPECT_EQ(runUntilEndedBy([this] { delegate->terminate(); }), 0);
+    delegate.reset();
+    EXPECT_TRUE(Settings::shared().needsOnboarding());
+    EXPECT_FALSE(std::filesystem::exists(folder / "home/Documents"));
+}
+
+TEST_F(OnboardingTest, asksNothingWhenTheVaultIsGiven) {
+    const ScopedEnvironment given("DIARY_ROOT", folder / "vault");
+    start();
+    EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(OnboardingTest, asksWheneverItIsToldTo) {
+    const ScopedEnvironment given("DIARY_ROOT", folder / "vault");
+    const ScopedEnvironment asked("DIARY_VIEW_ONBOARD", "");
+    start();
+    EXPECT_NE(alert(), nullptr);
+}
+
+TEST_F(OnboardingTest, goesOnWhenTheFolderCannotBeMade) {
+    folder.write("home/Nextcloud/Diary", "in the way");
+    start();
+    ASSERT_NE(alert(), nullptr);
+    alert()->buttons().first()->click();
+    EXPECT_EQ(Settings::shared().vaultPath(), folder / "home/Nextcloud/Diary");
+    EXPECT_EQ(delegate->mainWindowController()->store().rootURL(), folder / "home/Nextcloud/Diary");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Support/FakeClock.h"
+#include "Support/FakeFileManager.h"
 #include "Support/TemporaryFolder.h"
 
 #include <DiaryApp/EntryTextEdit.h>
@@ -40,7 +41,8 @@ protected:
 
     void show() {
         controller = std::make_unique<MainWindowController>(
-            std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock);
+            std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
+            fileManager);
         controller->showWindow();
         controller->window()->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(controller->window()));
@@ -81,6 +83,7 @@ protected:
     testing::TemporaryFolder folder;
     const std::filesystem::path vault = folder / "vault";
     testing::FakeClock clock{{2025, 3, 14}};
+    testing::FakeFileManager fileManager;
     std::unique_ptr<MainWindowController> controller;
 };
 
@@ -352,6 +355,50 @@ TEST_F(MainWindowControllerTest, showsOneAlertForARunOfFailures) {
     press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nab\n");
     EXPECT_FALSE(window()->isWindowModified());
+}
+
+TEST_F(MainWindowControllerTest, showsTheDaysFileInTheFileManagerOrElseTheVault) {
+    folder.write("vault/05-01.md", "# 05-01\n");
+    show();
+    controller->showInFileManager();
+    controller->session().open({5, 1});
+    controller->showInFileManager();
+    EXPECT_EQ(fileManager.revealed, (std::vector{vault, vault / "05-01.md"}));
+}
+
+TEST_F(MainWindowControllerTest, goesToARandomDayWithContentAndStaysWhenThereIsNone) {
+    show();
+    controller->goToRandomDay();
+    EXPECT_EQ(controller->session().currentMonthDay(), (MonthDay{3, 14}));
+    folder.write("vault/05-01.md", "# 05-01\n\n## 2020\n\nText\n");
+    controller->store().invalidateCaches();
+    controller->goToRandomDay();
+    EXPECT_EQ(controller->session().currentMonthDay(), (MonthDay{5, 1}));
+}
+
+TEST_F(MainWindowControllerTest, namesTheNewYearAtMidnight) {
+    clock.setToday({2025, 12, 31});
+    show();
+    ASSERT_EQ(find<QComboBox>("years")->count(), 1);
+    clock.setToday({2026, 1, 1});
+    EXPECT_EQ(find<QComboBox>("years")->itemText(0), QStringLiteral("2026"));
+}
+
+TEST_F(MainWindowControllerTest, tellsThatItWasClosedWithTheTextSaved) {
+    show();
+    std::string fileWhenClosed;
+    controller->onClose = [&] { fileWhenClosed = folder.read("vault/03-14.md"); };
+    type("Saved");
+    window()->close();
+    EXPECT_EQ(fileWhenClosed, "# 03-14\n\n## 2025\n\nSaved\n");
+}
+
+TEST_F(MainWindowControllerTest, comesToTheFrontFromBeingMinimized) {
+    show();
+    window()->showMinimized();
+    controller->bringToFront();
+    EXPECT_FALSE(window()->isMinimized());
+    EXPECT_TRUE(window()->isVisible());
 }
 
 } // namespace

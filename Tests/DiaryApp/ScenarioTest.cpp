@@ -22,9 +22,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using ::testing::AnyOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::Ge;
-using ::testing::IsEmpty;
+using ::testing::Not;
 
 // The program itself, off screen, in a folder of its own.
 class ScenarioTest : public ::testing::Test {
@@ -109,7 +110,7 @@ TEST_F(ScenarioTest, doesNothingWithoutAPicture) {
     ASSERT_TRUE(testing::waitUntil([&] { return program.handles(SIGTERM); }));
     program.sendSignal(SIGTERM);
     EXPECT_EQ(program.waitForExit(), 0) << program.errors();
-    EXPECT_THAT(folder.names(), IsEmpty());
+    EXPECT_THAT(folder.names(), Not(Contains("v")));
 }
 
 TEST_F(ScenarioTest, opensTheLeapDay) {
@@ -167,6 +168,31 @@ TEST_F(ScenarioTest, rescuesWhatCannotBeSavedAtTheEnd) {
     EXPECT_THAT(folder.names("state/tavelo/rescued"), ElementsAre("2019-03-14.md"));
     EXPECT_EQ(folder.read("state/tavelo/rescued/2019-03-14.md"), "Hello, vault. 你好");
     EXPECT_EQ(folder.read("v"), "in the way");
+}
+
+TEST_F(ScenarioTest, takesAPictureOfAPanelToo) {
+    folder.write("state/tavelo/rescued/2019-03-14.md", "Rescued");
+    run({});
+    EXPECT_FALSE(QImage(QString::fromStdString(folder / "a.png.panel.png")).isNull());
+    EXPECT_FALSE(picture().isNull());
+    std::filesystem::remove_all(folder / "state");
+    std::filesystem::remove(folder / "a.png.panel.png");
+    run({{"DIARY_VIEW_ONBOARD", "0"}});
+    EXPECT_FALSE(QImage(QString::fromStdString(folder / "a.png.panel.png")).isNull());
+}
+
+TEST_F(ScenarioTest, asksNoQuestionUnlessToldTo) {
+    std::filesystem::create_directories(folder / "home/Nextcloud");
+    run({});
+    EXPECT_FALSE(std::filesystem::exists(folder / "a.png.panel.png"));
+}
+
+TEST_F(ScenarioTest, fillsTheScreenWhenToldTo) {
+    run({{"DIARY_FULLSCREEN", "1"}});
+    const auto filled = picture().size();
+    run({{"DIARY_FULLSCREEN", "true"}});
+    EXPECT_EQ(picture().size(), QSize(1360, 840));
+    EXPECT_NE(filled, QSize(1360, 840));
 }
 
 class ScenarioSignalTest : public ScenarioTest, public ::testing::WithParamInterface<int> {

@@ -69,5 +69,49 @@ TEST(SystemClock, forgetsThePendingRunOfATimerThatIsStartedAgainStoppedOrDestroy
     EXPECT_EQ(destroyed, 0);
 }
 
+TEST(SystemClock, ringsAnAlarmWhenItsInstantHasComeAndOnlyOnce) {
+    SystemClock clock;
+    int rung = 0;
+    auto alarm = clock.makeAlarm([&] { ++rung; });
+    const auto when = clock.now() + 50ms;
+    alarm->startAt(when);
+    EXPECT_EQ(rung, 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return rung > 0; }));
+    EXPECT_GE(clock.now(), when);
+
+    int laterRung = 0;
+    auto later = clock.makeAlarm([&] { ++laterRung; });
+    later->startAt(clock.now() + 100ms);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return laterRung > 0; }));
+    EXPECT_EQ(rung, 1);
+}
+
+TEST(SystemClock, ringsAnAlarmAtOnceForAnInstantThatHasPassed) {
+    SystemClock clock;
+    int rung = 0;
+    auto alarm = clock.makeAlarm([&] { ++rung; });
+    alarm->startAt(clock.now() - 1h);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return rung == 1; }));
+}
+
+TEST(SystemClock, forgetsThePendingRunOfAnAlarmThatIsStartedAgainOrDestroyed) {
+    SystemClock clock;
+    int restarted = 0;
+    int destroyed = 0;
+    bool done = false;
+    auto one = clock.makeAlarm([&] { ++restarted; });
+    one->startAt(clock.now() + 1ms);
+    one->startAt(clock.now() + 20ms);
+    {
+        auto two = clock.makeAlarm([&] { ++destroyed; });
+        two->startAt(clock.now() + 1ms);
+    }
+    auto last = clock.makeAlarm([&] { done = true; });
+    last->startAt(clock.now() + 100ms);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return done; }));
+    EXPECT_EQ(restarted, 1);
+    EXPECT_EQ(destroyed, 0);
+}
+
 } // namespace
 } // namespace diary

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace diary::testing {
@@ -21,11 +22,18 @@ public:
 
     DiaryDay::Instant now() const override { return m_now; }
 
-    // A jump, as when the machine's clock is set: no timer fires.
+    // A jump, as when the machine's clock is set: no timer fires, every alarm does.
     void setNow(DiaryDay::Instant now) {
-        for (auto *timer : m_timers)
-            timer->due += now - m_now;
+        for (auto *timer : m_timers) {
+            if (!timer->isAlarm)
+                timer->due += now - m_now;
+        }
         m_now = now;
+        const auto timers = m_timers;
+        for (auto *timer : timers) {
+            if (timer->isAlarm && std::exchange(timer->active, false))
+                timer->action();
+        }
     }
     void setToday(DiaryDay day) { setNow(day.date()); }
 
@@ -44,6 +52,10 @@ public:
 
     std::unique_ptr<Timer> makeTimer(std::function<void()> action) override {
         return std::make_unique<FakeTimer>(*this, std::move(action));
+    }
+
+    std::unique_ptr<Alarm> makeAlarm(std::function<void()> action) override {
+        return std::make_unique<FakeAlarm>(*this, std::move(action));
     }
 
 private:
@@ -66,9 +78,24 @@ private:
         std::function<void()> action;
         DiaryDay::Instant due;
         bool active = false;
+        bool isAlarm = false;
 
     private:
         FakeClock &m_clock;
+    };
+
+    class FakeAlarm : public Alarm {
+    public:
+        FakeAlarm(FakeClock &clock, std::function<void()> onDue) : m_timer(clock, std::move(onDue)) {
+            m_timer.isAlarm = true;
+        }
+        void startAt(DiaryDay::Instant instant) override {
+            m_timer.due = instant;
+            m_timer.active = true;
+        }
+
+    private:
+        FakeTimer m_timer;
     };
 
     FakeTimer *nextDue(DiaryDay::Instant end) const {

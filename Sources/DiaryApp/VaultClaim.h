@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <DiaryKit/DurableFile.h>
+
+#include <QByteArray>
+#include <QSocketNotifier>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+namespace diary {
+
+// The one window of a vault: held by a process while it shows the vault, so that a second launch brings that
+// window to the front instead of opening another.
+//
+// A lock on a small file, which the system lets go with the process, and beside it a socket to knock on; both
+// in the user's runtime folder, or the state folder where there is none. Two names of one folder are one
+// vault. Main thread only.
+class VaultClaim {
+public:
+    // None when another process, or another claim of this one, holds the vault. A system that cannot lock
+    // does not keep anyone from his diary: the claim then stands, though others may too.
+    static std::unique_ptr<VaultClaim> take(const std::filesystem::path &vault);
+
+    // Asks the holder to come to the front. False when it did not listen, as while it still starts. The token
+    // is what the desktop gave this process to take the focus with; it may be empty.
+    static bool knock(const std::filesystem::path &vault, const QByteArray &activationToken);
+
+    VaultClaim(const VaultClaim &) = delete;
+    VaultClaim &operator=(const VaultClaim &) = delete;
+    ~VaultClaim();
+
+    // With the token of the process that knocked.
+    std::function<void(const QByteArray &)> onKnock;
+
+private:
+    VaultClaim(FileDescriptor folder, std::string name, FileDescriptor lock);
+
+    void listen();
+    void receive();
+
+    FileDescriptor m_folder;
+    std::string m_name; // of the socket, in the folder
+    FileDescriptor m_lock;
+    FileDescriptor m_socket;
+    QSocketNotifier m_notifier;
+};
+
+} // namespace diary
