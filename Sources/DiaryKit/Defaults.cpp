@@ -6,10 +6,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <system_error>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace diary {
 
@@ -112,30 +117,81 @@ void store(const fs::path &path, std::string_view key, Value value) {
     });
 }
 
-json storedValue(const fs::path &path, std::string_view key) {
-    auto contents = contentsOf(path);
-    const auto found = contents.object.find(std::string(key));
-    return found == contents.object.end() ? json() : std::move(*found);
+using Nanoseconds = std::chrono::nanoseconds; // since 1970
+
+Nanoseconds nanoseconds(const timespec &time) {
+    return std::chrono::seconds(time.tv_sec) + Nanoseconds(time.tv_nsec);
+}
+
+// What tells whether a file is the same as before.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    Nanoseconds modified{};
+    Nanoseconds changed{}; // also when the time of modification was set back
+
+    bool operator==(const FileStamp &) const = default;
+};
+
+std::optional<FileStamp> stampOf(const fs::path &path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return FileStamp{status.st_dev, status.st_ino, status.st_size, nanoseconds(status.st_mtim),
+                     nanoseconds(status.st_ctim)};
+}
+
+// The times in a file system advance in steps, of milliseconds in most and of two seconds in the coarsest. A
+// change within the step of the one before leaves the stamp as it was.
+bool isSettled(const FileStamp &stamp) {
+    constexpr std::chrono::seconds coarsestStep(2);
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    return std::max(stamp.modified, stamp.changed) + coarsestStep < nanoseconds(now);
 }
 
 } // namespace
+
+struct Defaults::Snapshot {
+    std::optional<FileStamp> stamp;
+    json object;
+
+    json value(std::string_view key) const {
+        const auto found = object.find(key);
+        return found == object.end() ? json() : *found;
+    }
+};
+
+std::shared_ptr<const Defaults::Snapshot> Defaults::current() const {
+    const auto stamp = stampOf(m_path);
+    if (m_snapshot && m_snapshot->stamp == stamp)
+        return m_snapshot;
+    m_snapshot.reset();
+    auto contents = contentsOf(m_path);
+    auto snapshot = std::make_shared<const Snapshot>(Snapshot{stamp, std::move(contents.object)});
+    // The second look tells that it was not replaced between the first one and the reading.
+    if (stamp && !contents.error && isSettled(*stamp) && stampOf(m_path) == stamp)
+        m_snapshot = snapshot;
+    return snapshot;
+}
 
 Defaults::Defaults() : Defaults(UserDirectories::config() / "settings.json") {}
 
 Defaults::Defaults(fs::path path) : m_path(std::move(path)) {}
 
 std::optional<std::string> Defaults::string(std::string_view key) const {
-    const auto value = storedValue(m_path, key);
+    const auto value = current()->value(key);
     return value.is_string() ? std::optional(value.get<std::string>()) : std::nullopt;
 }
 
 std::optional<double> Defaults::number(std::string_view key) const {
-    const auto value = storedValue(m_path, key);
+    const auto value = current()->value(key);
     return value.is_number() ? std::optional(value.get<double>()) : std::nullopt;
 }
 
 std::optional<bool> Defaults::boolean(std::string_view key) const {
-    const auto value = storedValue(m_path, key);
+    const auto value = current()->value(key);
     return value.is_boolean() ? std::optional(value.get<bool>()) : std::nullopt;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,10 +11,12 @@ namespace diary {
 
 // The user's preferences: values under names, in one JSON file.
 //
-// Keeps nothing between calls: every read looks into the file, so what another window or program wrote is
-// seen at once. Reading never fails; what cannot be read is absent. Each write replaces the file durably,
-// keeps the keys that this program does not know, and of two programs that write at once lets the last one
-// win.
+// Every read looks at the file, so what another window or program wrote is seen at once; the file is opened
+// again only when it is not certain that it stayed as it was. Reading never fails; what cannot be read is
+// absent. Each write replaces the file durably, keeps the keys that this program does not know, and of two
+// programs that write at once lets the last one win.
+//
+// An object belongs to one thread; copies may go to others.
 //
 // A file that holds no JSON object reads as empty. The next write moves it aside as `settings.json.bad`,
 // under a number when there is one already.
@@ -44,7 +47,13 @@ public:
     void remove(std::string_view key);
 
 private:
+    struct Snapshot;
+
+    std::shared_ptr<const Snapshot> current() const;
+
     std::filesystem::path m_path;
+    // The file as it was read last; none while it may still change without a trace.
+    mutable std::shared_ptr<const Snapshot> m_snapshot;
 };
 
 } // namespace diary

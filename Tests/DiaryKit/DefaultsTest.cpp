@@ -1,21 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include "Support/ScopedEnvironment.h"
 #include "Support/TemporaryFolder.h"
+#include "Support/WaitUntil.h"
 
 #include <DiaryKit/Defaults.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace diary {
@@ -124,6 +131,71 @@ TEST_F(DefaultsFile, readAfreshEachTime) {
     EXPECT_EQ(m_defaults.number("key"), 1.0);
     write(R"({"key": 2})");
     EXPECT_EQ(m_defaults.number("key"), 2.0);
+}
+
+template <typename Action>
+bool opensTheFile(const fs::path &path, Action action) {
+    const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    EXPECT_GE(::inotify_add_watch(watch, path.c_str(), IN_OPEN), 0);
+    action();
+    std::array<char, 4096> buffer{};
+    const auto size = ::read(watch, buffer.data(), buffer.size());
+    ::close(watch);
+    return size > 0;
+}
+
+timespec modificationTime(const fs::path &path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return status.st_mtim;
+}
+
+void setModificationTime(const fs::path &path, const timespec &time) {
+    const std::array times = {time, time};
+    EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times.data(), 0), 0);
+}
+
+TEST_F(DefaultsFile, seeEveryChangeOfAFileThatStayedAsItWasForLong) {
+    const char *const before = R"({"key": 1})";
+    const char *const after = R"({"key": 2})";
+    struct Row {
+        const char *name;
+        std::function<void(const fs::path &)> change;
+    };
+    const Row rows[] = {
+        {"written.json", [&](const fs::path &path) { m_folder.write(path.filename(), after); }},
+        {"set-back.json",
+         [&](const fs::path &path) {
+             const auto time = modificationTime(path);
+             m_folder.write(path.filename(), after);
+             setModificationTime(path, time);
+         }},
+        {"replaced.json",
+         [&](const fs::path &path) {
+             const auto time = modificationTime(path);
+             m_folder.write("other.json", after);
+             setModificationTime(m_folder / "other.json", time);
+             fs::rename(m_folder / "other.json", path);
+         }},
+        {"by-itself.json", [](const fs::path &path) { Defaults(path).set("key", 2.0); }},
+    };
+    for (const auto &row : rows)
+        m_folder.write(row.name, before);
+    const auto last = std::chrono::seconds(modificationTime(m_folder / rows[3].name).tv_sec);
+    ASSERT_TRUE(testing::waitUntil([&] {
+        return std::chrono::system_clock::now().time_since_epoch() > last + std::chrono::seconds(4);
+    }));
+
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        const Defaults defaults(m_folder / row.name);
+        EXPECT_TRUE(opensTheFile(defaults.path(), [&] { EXPECT_EQ(defaults.number("key"), 1.0); }));
+        EXPECT_FALSE(opensTheFile(defaults.path(), [&] { EXPECT_EQ(defaults.number("key"), 1.0); }));
+        row.change(defaults.path());
+        EXPECT_EQ(defaults.number("key"), 2.0);
+        fs::remove(defaults.path());
+        EXPECT_EQ(defaults.number("key"), std::nullopt);
+    }
 }
 
 TEST_F(DefaultsFile, writeOneSortedKeyALine) {
