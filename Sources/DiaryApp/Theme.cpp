@@ -1,9 +1,18 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/FontFamilies.h>
+#include <DiaryApp/Settings.h>
 #include <DiaryApp/Theme.h>
+
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
+#include <QLocale>
+#include <QSet>
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <optional>
 
 namespace diary::Theme {
 
@@ -28,6 +37,111 @@ QColor oklch(double lightness, double chroma, double hue) {
     const double blue = -0.0041960863 * l - 0.7034186147 * m + 1.7076147010 * s;
     return QColor::fromRgbF(static_cast<float>(srgbEncoded(red)), static_cast<float>(srgbEncoded(green)),
                             static_cast<float>(srgbEncoded(blue)));
+}
+
+// The fonts in size zero, kept until what they depend on changes: to ask for the installed families takes a
+// tenth of a millisecond.
+class FontCache {
+public:
+    FontCache() {
+        QObject::connect(qGuiApp, &QGuiApplication::fontDatabaseChanged, qGuiApp, [this] { clear(); });
+    }
+
+    void setLanguage(const QString &code) {
+        m_language = code;
+        clear();
+    }
+
+    const QFont &body(const std::optional<QString> &chosen) {
+        if (!m_body || m_chosen != chosen) {
+            m_chosen = chosen;
+            m_body = font(FontFamilies::body(chosen, resolved({QStringLiteral("serif")}), surroundings()),
+                          QFont::Serif);
+        }
+        return *m_body;
+    }
+
+    const QFont &mono() {
+        if (!m_mono)
+            m_mono = font(FontFamilies::mono(fixedWidth(), surroundings()), QFont::Monospace);
+        return *m_mono;
+    }
+
+    const QFont &code() {
+        if (!m_code)
+            m_code = font(FontFamilies::code(fixedWidth(), surroundings()), QFont::Monospace);
+        return *m_code;
+    }
+
+    const QFont &system() {
+        const auto desktop = QGuiApplication::font().families();
+        if (!m_system || m_desktop != desktop) {
+            m_desktop = desktop;
+            m_system = font(FontFamilies::system(resolved(desktop), surroundings()), QFont::SansSerif);
+        }
+        return *m_system;
+    }
+
+private:
+    // The families that the desktop means by its aliases.
+    static QStringList resolved(const QStringList &families) {
+        QStringList result;
+        for (const auto &family : families)
+            result.append(QFontInfo(QFont(family)).family());
+        return result;
+    }
+
+    static QStringList fixedWidth() {
+        return resolved(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+    }
+
+    static QFont font(const QStringList &families, QFont::StyleHint hint) {
+        QFont font;
+        font.setFamilies(families);
+        font.setStyleHint(hint);
+        font.setLetterSpacing(QFont::AbsoluteSpacing, 0);
+        return font;
+    }
+
+    FontFamilies::Surroundings surroundings() {
+        if (m_installed.isEmpty()) {
+            // A family of several makers is listed as "Family [Maker]" for each.
+            for (const auto &family : QFontDatabase::families())
+                m_installed.insert(family.section(QLatin1String(" ["), 0, 0));
+        }
+        QStringList languages = QLocale::system().uiLanguages();
+        if (!m_language.isEmpty())
+            languages.prepend(m_language);
+        return {languages, [this](const QString &family) { return m_installed.contains(family); }};
+    }
+
+    void clear() {
+        m_installed.clear();
+        m_body.reset();
+        m_mono.reset();
+        m_code.reset();
+        m_system.reset();
+    }
+
+    QString m_language;
+    QSet<QString> m_installed;
+    std::optional<QString> m_chosen; // what m_body was made for
+    QStringList m_desktop;           // what m_system was made for
+    std::optional<QFont> m_body;
+    std::optional<QFont> m_mono;
+    std::optional<QFont> m_code;
+    std::optional<QFont> m_system;
+};
+
+FontCache &fonts() {
+    static FontCache cache;
+    return cache;
+}
+
+QFont sized(QFont font, double size, Weight weight = Weight::Regular) {
+    font.setPixelSize(std::max(1, qRound(size)));
+    font.setWeight(weight == Weight::Regular ? QFont::Normal : QFont::Medium);
+    return font;
 }
 
 } // namespace
@@ -228,26 +342,25 @@ const std::array<QColor, 4> &heatShades() {
 }
 
 QFont serif(double size) {
-    QFont font;
-    font.setFamilies({QStringLiteral("DejaVu Serif")});
-    font.setPixelSize(qRound(size));
-    return font;
+    return sized(fonts().body(Settings::shared().bodyFontFamily()), size);
 }
 
 QFont mono(double size, Weight weight, double letterSpacing) {
-    QFont font;
-    font.setFamilies({QStringLiteral("IBM Plex Mono"), QStringLiteral("DejaVu Sans Mono")});
-    font.setPixelSize(qRound(size));
-    font.setWeight(weight == Weight::Regular ? QFont::Normal : QFont::Medium);
+    auto font = sized(fonts().mono(), size, weight);
     font.setLetterSpacing(QFont::AbsoluteSpacing, letterSpacing);
     return font;
 }
 
+QFont code(double size) {
+    return sized(fonts().code(), size);
+}
+
 QFont system(double size, Weight weight) {
-    QFont font;
-    font.setPixelSize(qRound(size));
-    font.setWeight(weight == Weight::Regular ? QFont::Normal : QFont::Medium);
-    return font;
+    return sized(fonts().system(), size, weight);
+}
+
+void setInterfaceLanguage(const QString &code) {
+    fonts().setLanguage(code);
 }
 
 QPalette palette() {

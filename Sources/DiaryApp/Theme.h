@@ -59,14 +59,20 @@ const std::array<QColor, 4> &heatShades();
 enum class Weight { Regular, Medium };
 
 // The fonts. Sizes are in logical pixels and are rounded to whole ones, as the fonts are loaded in whole
-// pixels. Letter spacing is in logical pixels.
+// pixels. Letter spacing is in logical pixels. All are cheap enough to be asked for while painting.
 
 // The diary's own text: the family of the user's choice, else the built-in serif. Looked up at each call.
 QFont serif(double size);
 // Names, numbers and source text.
 QFont mono(double size, Weight weight = Weight::Regular, double letterSpacing = 0);
+// Code within the diary's own text.
+QFont code(double size);
 // Labels and buttons.
 QFont system(double size, Weight weight = Weight::Regular);
+
+// The code of the language that the interface speaks, which decides how Han characters are drawn in the fonts
+// made from now on. Without one, or with a language that has none, the user's locale decides.
+void setInterfaceLanguage(const QString &code);
 
 // For the widgets that are not painted by hand.
 QPalette palette();

@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/Settings.h>
 #include <DiaryApp/Theme.h>
+
+#include <QFontDatabase>
+#include <QFontInfo>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace diary {
 namespace {
@@ -74,6 +81,110 @@ TEST(Theme, staysInsideTheScreensColours) {
     // Its red lies just outside what a screen can show.
     EXPECT_EQ(Theme::cardBgActive().red(), 255);
     EXPECT_EQ(Theme::cardBgActive().redF(), 1.0F);
+}
+
+// Whatever the settings file holds, for as long as this lives.
+class ScopedBodyFont {
+public:
+    explicit ScopedBodyFont(const std::optional<QString> &family) {
+        Settings::shared().setBodyFontFamily(family);
+    }
+    ScopedBodyFont(const ScopedBodyFont &) = delete;
+    ScopedBodyFont &operator=(const ScopedBodyFont &) = delete;
+    ~ScopedBodyFont() { Settings::shared().setBodyFontFamily(std::nullopt); }
+};
+
+class ScopedInterfaceLanguage {
+public:
+    explicit ScopedInterfaceLanguage(const char *code) {
+        Theme::setInterfaceLanguage(QString::fromUtf8(code));
+    }
+    ScopedInterfaceLanguage(const ScopedInterfaceLanguage &) = delete;
+    ScopedInterfaceLanguage &operator=(const ScopedInterfaceLanguage &) = delete;
+    ~ScopedInterfaceLanguage() { Theme::setInterfaceLanguage({}); }
+};
+
+TEST(Theme, roundsSizesToWholePixels) {
+    EXPECT_EQ(Theme::serif(16.5).pixelSize(), 17);
+    EXPECT_EQ(Theme::serif(14.4).pixelSize(), 14);
+    EXPECT_EQ(Theme::mono(10.5).pixelSize(), 11);
+    EXPECT_EQ(Theme::code(14.5).pixelSize(), 15);
+    EXPECT_EQ(Theme::system(12.5).pixelSize(), 13);
+    EXPECT_EQ(Theme::system(0.1).pixelSize(), 1);
+}
+
+TEST(Theme, hasTwoWeights) {
+    EXPECT_EQ(Theme::mono(12).weight(), QFont::Normal);
+    EXPECT_EQ(Theme::mono(12, Theme::Weight::Medium).weight(), QFont::Medium);
+    EXPECT_EQ(Theme::system(12).weight(), QFont::Normal);
+    EXPECT_EQ(Theme::system(12, Theme::Weight::Medium).weight(), QFont::Medium);
+    EXPECT_EQ(Theme::serif(12).weight(), QFont::Normal);
+}
+
+TEST(Theme, spacesLettersInPixels) {
+    const auto font = Theme::mono(46, Theme::Weight::Medium, -0.9);
+    EXPECT_EQ(font.letterSpacingType(), QFont::AbsoluteSpacing);
+    EXPECT_NEAR(font.letterSpacing(), -0.9, 1 / 64.0);
+    EXPECT_EQ(Theme::mono(12).letterSpacing(), 0);
+}
+
+TEST(Theme, usesTheBodyFontOfTheUsersChoiceFromTheNextCallOn) {
+    const auto builtIn = Theme::serif(16).families();
+    const auto chosen = QFontInfo(Theme::mono(16)).family();
+    ASSERT_FALSE(builtIn.contains(chosen));
+    {
+        const ScopedBodyFont font(chosen);
+        EXPECT_EQ(Theme::serif(16).families().first(), chosen);
+        EXPECT_EQ(QFontInfo(Theme::serif(16)).family(), chosen);
+        // Letters that it lacks are still drawn in the built-in one.
+        EXPECT_EQ(Theme::serif(16).families().sliced(1), builtIn);
+    }
+    EXPECT_EQ(Theme::serif(16).families(), builtIn);
+}
+
+TEST(Theme, passesOverABodyFontThatIsNotInstalled) {
+    const auto builtIn = Theme::serif(16).families();
+    for (const char *family : {"No Such Family", "", "serif"}) {
+        const ScopedBodyFont font(QString::fromUtf8(family));
+        EXPECT_EQ(Theme::serif(16).families(), builtIn) << family;
+    }
+}
+
+TEST(Theme, readsASettingThatAnotherProgramWrites) {
+    const auto chosen = QFontInfo(Theme::mono(16)).family();
+    const ScopedBodyFont font(std::nullopt);
+    Settings(Defaults(Settings::shared().defaults().path())).setBodyFontFamily(chosen);
+    EXPECT_EQ(Theme::serif(16).families().first(), chosen);
+}
+
+TEST(Theme, drawsLatinLettersInTheFirstFamily) {
+    // Were it an alias, the letters would come from the family of the Han characters.
+    for (const auto &font : {Theme::serif(14), Theme::mono(14), Theme::code(14), Theme::system(14)}) {
+        EXPECT_TRUE(QFontDatabase::hasFamily(font.families().first()))
+            << font.families().first().toStdString();
+        EXPECT_EQ(QFontInfo(font).family(), font.families().first());
+    }
+    EXPECT_TRUE(QFontInfo(Theme::mono(14)).fixedPitch());
+    EXPECT_TRUE(QFontInfo(Theme::code(14)).fixedPitch());
+}
+
+TEST(Theme, drawsHanCharactersAsTheInterfaceLanguageDoes) {
+    const auto has = [](const QFont &font, const char *region) {
+        const auto &families = font.families();
+        return std::any_of(families.begin(), families.end(), [&](const QString &family) {
+            return family.endsWith(QLatin1String(" CJK ") + QLatin1String(region));
+        });
+    };
+    if (!QFontDatabase::hasFamily(QStringLiteral("Noto Sans CJK JP")))
+        GTEST_SKIP() << "needs the Noto CJK fonts";
+    for (const auto &[code, region] :
+         {std::pair{"zh-Hans", "SC"}, std::pair{"ja", "JP"}, std::pair{"ko", "KR"}, std::pair{"fr", "SC"}}) {
+        const ScopedInterfaceLanguage language(code);
+        for (const auto &font : {Theme::serif(14), Theme::mono(14), Theme::code(14), Theme::system(14)}) {
+            for (const char *other : {"SC", "JP", "KR", "TC", "HK"})
+                EXPECT_EQ(has(font, other), std::string_view(other) == region) << code << " " << other;
+        }
+    }
 }
 
 // WCAG 2: from 1 for no contrast to 21 for black on white.
