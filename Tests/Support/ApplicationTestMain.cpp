@@ -20,9 +20,12 @@ int main(int argc, char *argv[]) {
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
         qputenv(name, QByteArray::fromStdString(folder.string()));
     }
-    for (const char *name : {"DIARY_ROOT", "DIARY_SCREENSHOT", "DIARY_SCREENSHOT_DELAY", "DIARY_VIEW_DAY",
-                             "DIARY_VIEW_YEAR", "DIARY_VIEW_SOURCE", "DIARY_TYPE_TEXT", "DIARY_ACTIVATE",
-                             "DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY"})
+    // English, whatever the developer's own language is.
+    qputenv("LC_ALL", "C.UTF-8");
+    for (const char *name :
+         {"LANGUAGE", "DIARY_LANGUAGE", "DIARY_ROOT", "DIARY_SCREENSHOT", "DIARY_SCREENSHOT_DELAY",
+          "DIARY_VIEW_DAY", "DIARY_VIEW_YEAR", "DIARY_VIEW_SOURCE", "DIARY_TYPE_TEXT", "DIARY_ACTIVATE",
+          "DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY"})
         qunsetenv(name);
     // Whoever asks for the session bus gets none, rather than a new one that outlives the test.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");

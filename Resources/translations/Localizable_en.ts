@@ -1,0 +1,697 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name>Diary</name>
+    <message>
+        <source>Diary</source>
+        <extracomment>The program's name, as it is shown everywhere. Not translated.</extracomment>
+        <translation>Tavelo</translation>
+    </message>
+    <message>
+        <source>About %@</source>
+        <extracomment>Menu entry; %@ is the program's name. Room: a menu entry.</extracomment>
+        <translation>About %@</translation>
+    </message>
+    <message>
+        <source>Check for Updates…</source>
+        <extracomment>Menu entry, and a small button of the settings window. Room: 230 px in the settings window.</extracomment>
+        <translation>Check for Updates…</translation>
+    </message>
+    <message>
+        <source>Settings…</source>
+        <extracomment>Menu entry: opens the settings window. Room: a menu entry.</extracomment>
+        <translation>Settings…</translation>
+    </message>
+    <message>
+        <source>Hide %@</source>
+        <extracomment>Menu entry: hides the windows of the program; %@ is its name. Room: a menu entry.</extracomment>
+        <translation>Hide %@</translation>
+    </message>
+    <message>
+        <source>Quit %@</source>
+        <extracomment>Menu entry: ends the program; %@ is its name. Room: a menu entry.</extracomment>
+        <translation>Quit %@</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <extracomment>Title of a menu. Room: the menu bar, one short word.</extracomment>
+        <translation>File</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <extracomment>Menu entry and button: closes the window. Room: a menu entry.</extracomment>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <extracomment>Menu entry: saves what was typed, now. Room: a menu entry.</extracomment>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>Show in Finder</source>
+        <extracomment>Menu entry: shows the day's file in the desktop's file manager. Room: a menu entry.</extracomment>
+        <translation>Show in File Manager</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <extracomment>Title of a menu. Room: the menu bar, one short word.</extracomment>
+        <translation>Edit</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <extracomment>Menu entry. Room: a menu entry.</extracomment>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <extracomment>Menu entry. Room: a menu entry.</extracomment>
+        <translation>Redo</translation>
+    </message>
+    <message>
+        <source>Cut</source>
+        <extracomment>Menu entry. Room: a menu entry.</extracomment>
+        <translation>Cut</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <extracomment>Menu entry. Room: a menu entry.</extracomment>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>Paste</source>
+        <extracomment>Menu entry. Room: a menu entry.</extracomment>
+        <translation>Paste</translation>
+    </message>
+    <message>
+        <source>Paste as Plain Text</source>
+        <extracomment>Menu entry: pastes the words without fonts and colours. Room: a menu entry.</extracomment>
+        <translation>Paste as Plain Text</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <extracomment>Menu entry: removes the selected text. Room: a menu entry.</extracomment>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <extracomment>Menu entry. Room: a menu entry.</extracomment>
+        <translation>Select All</translation>
+    </message>
+    <message>
+        <source>Find…</source>
+        <extracomment>Menu entry: opens the search window. Room: a menu entry.</extracomment>
+        <translation>Find…</translation>
+    </message>
+    <message>
+        <source>View</source>
+        <extracomment>Title of a menu. Room: the menu bar, one short word.</extracomment>
+        <translation>View</translation>
+    </message>
+    <message>
+        <source>Toggle Source</source>
+        <extracomment>Menu entry: shows the day's whole file as Markdown text instead of the page, or the page again. Room: a menu entry.</extracomment>
+        <translation>Toggle Source</translation>
+    </message>
+    <message>
+        <source>Navigate</source>
+        <extracomment>Title of a menu with ways to go to another day. Room: the menu bar, one short word.</extracomment>
+        <translation>Navigate</translation>
+    </message>
+    <message>
+        <source>Previous Day</source>
+        <extracomment>Menu entry, and the name of the button ‹ for a screen reader. Room: a menu entry.</extracomment>
+        <translation>Previous Day</translation>
+    </message>
+    <message>
+        <source>Next Day</source>
+        <extracomment>Menu entry, and the name of the button › for a screen reader. Room: a menu entry.</extracomment>
+        <translation>Next Day</translation>
+    </message>
+    <message>
+        <source>Today</source>
+        <extracomment>Menu entry: goes to today. Room: a menu entry.</extracomment>
+        <translation>Today</translation>
+    </message>
+    <message>
+        <source>Random Day</source>
+        <extracomment>Menu entry, and a button of the top bar: opens some day that has an entry. Room: 130 px in the top bar.</extracomment>
+        <translation>Random Day</translation>
+    </message>
+    <message>
+        <source>Year Calendar</source>
+        <extracomment>Menu entry, button tip and window title: all days of the year, shaded by how many years have an entry. Room: a menu entry.</extracomment>
+        <translation>Year Calendar</translation>
+    </message>
+    <message>
+        <source>Window</source>
+        <extracomment>Title of a menu. Room: the menu bar, one short word.</extracomment>
+        <translation>Window</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <extracomment>Menu entry: puts the window away into the task bar. Room: a menu entry.</extracomment>
+        <translation>Minimize</translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <extracomment>Menu entry: makes the window as large as the screen, or small again. Room: a menu entry.</extracomment>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>Version %@</source>
+        <extracomment>In the window about the program; %@ is a version number. Room: 300 px.</extracomment>
+        <translation>Version %@</translation>
+    </message>
+    <message>
+        <source>A diary in plain Markdown files. Licensed under the MIT License.</source>
+        <extracomment>In the window about the program. Room: wraps.</extracomment>
+        <translation>A diary in plain Markdown files. Licensed under the MIT License.</translation>
+    </message>
+    <message>
+        <source>Built with %@</source>
+        <extracomment>In the window about the program; %@ names a library and its version. Room: 300 px.</extracomment>
+        <translation>Built with %@</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <extracomment>Button.</extracomment>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <extracomment>Button.</extracomment>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <extracomment>Button of the top bar that shows the day's whole file as Markdown text. Room: 120 px.</extracomment>
+        <translation>Source</translation>
+    </message>
+    <message>
+        <source>Reader</source>
+        <extracomment>The same button while the Markdown text is shown: goes back to the page. Room: 120 px.</extracomment>
+        <translation>Reader</translation>
+    </message>
+    <message>
+        <source>%d year sections</source>
+        <extracomment>Beside the file name in the top bar: how many years have a section in the file; any number from 0. Room: 200 px.</extracomment>
+        <translation>%d year sections</translation>
+    </message>
+    <message>
+        <source>Viewing ## %d · %d chars</source>
+        <extracomment>Right side of the status bar: the year that is shown, written like its heading in the file, and the number of characters. Room: 300 px.</extracomment>
+        <translation>Viewing ## %d · %d chars</translation>
+    </message>
+    <message>
+        <source>MergedRemoteNotice</source>
+        <extracomment>Shown for some seconds in the status bar: what another device wrote on this day was combined with what is here. Room: 560 px.</extracomment>
+        <translation>Merged the changes that another device made to this day</translation>
+    </message>
+    <message>
+        <source>UpdateReadyNotice</source>
+        <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@ is ready and will be installed when you quit</translation>
+    </message>
+    <message>
+        <source>UpdateDownloadingNotice</source>
+        <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Downloading Tavelo %@…</translation>
+    </message>
+    <message>
+        <source>Days not yet downloaded: %d</source>
+        <extracomment>Notice: so many day files are known to the cloud drive and not on this computer. Any number from 1. Room: 560 px.</extracomment>
+        <translation>Days not yet downloaded: %d</translation>
+    </message>
+    <message>
+        <source>The diary folder could not be watched for changes.</source>
+        <extracomment>Notice: changes by other programs will be seen later than usual. Room: 560 px.</extracomment>
+        <translation>The diary folder could not be watched for changes.</translation>
+    </message>
+    <message>
+        <source>Day %d / %d</source>
+        <extracomment>At the top right of the page: which day of the year it is, and how many days the year has. Room: 250 px.</extracomment>
+        <translation>Day %d / %d</translation>
+    </message>
+    <message>
+        <source>This file has %d past-year sections</source>
+        <extracomment>Under the date: how many earlier years have an entry for this day; any number from 0. Room: 560 px.</extracomment>
+        <translation>This file has %d past-year sections</translation>
+    </message>
+    <message>
+        <source>NoLeapDayThisYear</source>
+        <extracomment>Instead of the entry, on 29 February of a year that has none.</extracomment>
+        <translation>There is no 29 February this year.</translation>
+    </message>
+    <message>
+        <source>%d has no 29 February.</source>
+        <extracomment>Instead of the entry, on 29 February of a year that has none; %d is the year.</extracomment>
+        <translation>%d has no 29 February.</translation>
+    </message>
+    <message>
+        <source>The year %d cannot be written.</source>
+        <extracomment>Instead of the entry, for a year that does not have four digits.</extracomment>
+        <translation>The year %d cannot be written.</translation>
+    </message>
+    <message>
+        <source>This year</source>
+        <extracomment>In the margin beside the entry, under the year. Room: 84 px.</extracomment>
+        <translation>This year</translation>
+    </message>
+    <message>
+        <source>%d years ago</source>
+        <extracomment>In the margin beside the entry and on the cards; must read right for 1 as well as for 5. Room: 84 px.</extracomment>
+        <translation>%d years ago</translation>
+    </message>
+    <message>
+        <source>Write about this day in %d…</source>
+        <extracomment>Invitation in an empty entry; %d is the year. Room: 560 px.</extracomment>
+        <translation>Write about this day in %d…</translation>
+    </message>
+    <message>
+        <source>Entry of %d</source>
+        <extracomment>Name of the text field for a screen reader; %d is the year.</extracomment>
+        <translation>Entry of %d</translation>
+    </message>
+    <message>
+        <source>GapLine</source>
+        <extracomment>Under the entry; %@ lists the years without an entry, as in 2024 · 2023 · 2020. Room: wraps.</extracomment>
+        <translation>Nothing written in %@</translation>
+    </message>
+    <message>
+        <source>(empty file)</source>
+        <extracomment>In place of the Markdown text of a file without any.</extracomment>
+        <translation>(empty file)</translation>
+    </message>
+    <message>
+        <source>PhotosMark</source>
+        <extracomment>In the margin beside the photos of the day, one word. Room: 76 px.</extracomment>
+        <translation>Photos</translation>
+    </message>
+    <message>
+        <source>PhotosCaption</source>
+        <extracomment>Above the photos; %d is their number, any from 1. Room: 460 px.</extracomment>
+        <translation>Photos taken this day: %d</translation>
+    </message>
+    <message>
+        <source>Previous Photo</source>
+        <extracomment>Button tip and name for a screen reader, in the photo preview.</extracomment>
+        <translation>Previous Photo</translation>
+    </message>
+    <message>
+        <source>Next Photo</source>
+        <extracomment>Button tip and name for a screen reader, in the photo preview.</extracomment>
+        <translation>Next Photo</translation>
+    </message>
+    <message>
+        <source>Open in Image Viewer</source>
+        <extracomment>Opens a photo in another program. Room: a menu entry.</extracomment>
+        <translation>Open in Image Viewer</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <extracomment>Shows a photo's file in the file manager. Room: a menu entry.</extracomment>
+        <translation>Show in Folder</translation>
+    </message>
+    <message>
+        <source>On This Day</source>
+        <extracomment>Title of the column of cards, one for each year of the shown day, which need not be today. Room: 230 px.</extracomment>
+        <translation>On This Day</translation>
+    </message>
+    <message>
+        <source>%d chars</source>
+        <extracomment>On a card: number of characters without spaces, any from 0. Room: 150 px.</extracomment>
+        <translation>%d chars</translation>
+    </message>
+    <message>
+        <source>Not written yet</source>
+        <extracomment>On the card of a year without text. Room: wraps.</extracomment>
+        <translation>Not written yet</translation>
+    </message>
+    <message>
+        <source>This year · writing</source>
+        <extracomment>On the card of the current year. Room: 220 px.</extracomment>
+        <translation>This year · writing</translation>
+    </message>
+    <message>
+        <source>Add a past year</source>
+        <extracomment>Button below the cards: begins an entry for an earlier year. Room: 220 px.</extracomment>
+        <translation>Add a past year</translation>
+    </message>
+    <message>
+        <source>This day is still empty</source>
+        <extracomment>Below the cards. Room: wraps.</extracomment>
+        <translation>This day is still empty</translation>
+    </message>
+    <message>
+        <source>Spanning %d years · earliest %d</source>
+        <extracomment>Below the cards: from the earliest year with an entry to the current one, both counted, at least 2; then the earliest year. Room: wraps.</extracomment>
+        <translation>Spanning %d years · earliest %d</translation>
+    </message>
+    <message>
+        <source>Year</source>
+        <extracomment>Name of a choice of years for a screen reader.</extracomment>
+        <translation>Year</translation>
+    </message>
+    <message>
+        <source>Previous Month</source>
+        <extracomment>Name of the button ‹ over the month for a screen reader.</extracomment>
+        <translation>Previous Month</translation>
+    </message>
+    <message>
+        <source>Next Month</source>
+        <extracomment>Name of the button › over the month for a screen reader.</extracomment>
+        <translation>Next Month</translation>
+    </message>
+    <message>
+        <source>Back to Today</source>
+        <extracomment>Button of the sidebar, followed by today's date as in 03-14. Room: 145 px.</extracomment>
+        <translation>Back to Today</translation>
+    </message>
+    <message>
+        <source>Days written</source>
+        <extracomment>Label in the sidebar, before a value such as 123 / 365. Room: 125 px.</extracomment>
+        <translation>Days written</translation>
+    </message>
+    <message>
+        <source>Earliest year</source>
+        <extracomment>Label in the sidebar, before a year. Room: 150 px.</extracomment>
+        <translation>Earliest year</translation>
+    </message>
+    <message>
+        <source>Total files</source>
+        <extracomment>Label in the sidebar, before a number. Room: 150 px.</extracomment>
+        <translation>Total files</translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <extracomment>Button tip, and title of the search window.</extracomment>
+        <translation>Find</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <extracomment>Button tip, and title of the settings window.</extracomment>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>A11yHasContent</source>
+        <extracomment>For a screen reader, after a date in the month calendar: some year has an entry for it.</extracomment>
+        <translation>has an entry</translation>
+    </message>
+    <message>
+        <source>%d d</source>
+        <extracomment>Beside the name of a month: number of its days with an entry, any from 0, abbreviated. Room: 60 px.</extracomment>
+        <translation>%d d</translation>
+    </message>
+    <message>
+        <source>YearsWrittenLegend</source>
+        <extracomment>Before the four shades 0, 1, 2 and 3+: the number of years with an entry for a day. Room: 250 px.</extracomment>
+        <translation>Years written</translation>
+    </message>
+    <message>
+        <source>Years written: %d</source>
+        <extracomment>For a screen reader, after a date in the year calendar: number of years with an entry for it, any from 0.</extracomment>
+        <translation>Years written: %d</translation>
+    </message>
+    <message>
+        <source>YearFootnote</source>
+        <extracomment>Below the year calendar. Room: wraps at 580 px.</extracomment>
+        <translation>Each square is a day of the year: the darker it is, the more years have an entry for it. The outlined square is 29 February, which only leap years have.</translation>
+    </message>
+    <message>
+        <source>SearchPlaceholder</source>
+        <extracomment>In the empty search field. Room: 330 px.</extracomment>
+        <translation>Search all entries</translation>
+    </message>
+    <message>
+        <source>SearchNoResults</source>
+        <extracomment>In place of the list when nothing was found. Room: 330 px.</extracomment>
+        <translation>No entries found</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <extracomment>Name of the search field for a screen reader.</extracomment>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>Search Results</source>
+        <extracomment>Name of the list of found entries for a screen reader.</extracomment>
+        <translation>Search Results</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <extracomment>Title of a card, shown in capitals.</extracomment>
+        <translation>General</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <extracomment>Label of a row. Room: 84 px a word.</extracomment>
+        <translation>Language</translation>
+    </message>
+    <message>
+        <source>System Default</source>
+        <extracomment>First choice of the languages: the one that the system speaks. Room: 300 px.</extracomment>
+        <translation>System Default</translation>
+    </message>
+    <message>
+        <source>Diary Folder</source>
+        <extracomment>Title of a card, shown in capitals.</extracomment>
+        <translation>Diary Folder</translation>
+    </message>
+    <message>
+        <source>Vault Location</source>
+        <extracomment>Label of a row: the folder that holds the diary. Room: 84 px a word.</extracomment>
+        <translation>Vault Location</translation>
+    </message>
+    <message>
+        <source>Choose…</source>
+        <extracomment>Small button: picks another folder. Room: 288 px together with the next two.</extracomment>
+        <translation>Choose…</translation>
+    </message>
+    <message>
+        <source>iCloud Drive</source>
+        <extracomment>Small button: puts the diary into Apple's cloud drive, whose name this is.</extracomment>
+        <translation>iCloud Drive</translation>
+    </message>
+    <message>
+        <source>Cloud Drive</source>
+        <extracomment>The same button, which cannot be pressed, on a computer without any cloud drive; with one, it bears that drive's name.</extracomment>
+        <translation>Cloud Drive</translation>
+    </message>
+    <message>
+        <source>Reset to Default</source>
+        <extracomment>Small button: goes back to the usual folder.</extracomment>
+        <translation>Reset to Default</translation>
+    </message>
+    <message>
+        <source>VaultHint</source>
+        <extracomment>Under the folder. Room: wraps at 330 px.</extracomment>
+        <translation>Every day of the year is one Markdown file in this folder. In a synced folder, the diary is on all your devices. Choosing another folder does not move any files.</translation>
+    </message>
+    <message>
+        <source>Choose the Diary Folder</source>
+        <extracomment>Title of the window in which a folder is picked.</extracomment>
+        <translation>Choose the Diary Folder</translation>
+    </message>
+    <message>
+        <source>Writing</source>
+        <extracomment>Title of a card about the look of the text, shown in capitals.</extracomment>
+        <translation>Writing</translation>
+    </message>
+    <message>
+        <source>Body Font</source>
+        <extracomment>Label of a row: the typeface of the diary's text. Room: 84 px a word.</extracomment>
+        <translation>Body Font</translation>
+    </message>
+    <message>
+        <source>Default (Serif)</source>
+        <extracomment>First choice of the typefaces: the built-in one, which has serifs. Room: 300 px.</extracomment>
+        <translation>Default (Serif)</translation>
+    </message>
+    <message>
+        <source>Editor Font Size</source>
+        <extracomment>Label of a row, before Small, Standard and Large. Room: 84 px a word.</extracomment>
+        <translation>Editor Font Size</translation>
+    </message>
+    <message>
+        <source>Small</source>
+        <extracomment>Choice of the text size.</extracomment>
+        <translation>Small</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <extracomment>Choice of the text size.</extracomment>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Large</source>
+        <extracomment>Choice of the text size.</extracomment>
+        <translation>Large</translation>
+    </message>
+    <message>
+        <source>Show missing-year note</source>
+        <extracomment>Check box: below the entry, name the years without one. Room: 350 px.</extracomment>
+        <translation>Show missing-year note</translation>
+    </message>
+    <message>
+        <source>Show photos taken this day</source>
+        <extracomment>Check box. Room: 350 px.</extracomment>
+        <translation>Show photos taken this day</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <extracomment>Title of a card, shown in capitals.</extracomment>
+        <translation>Photos</translation>
+    </message>
+    <message>
+        <source>Photo Access</source>
+        <extracomment>Label of a row: whether the user's pictures can be read. Room: 84 px a word.</extracomment>
+        <translation>Photo Access</translation>
+    </message>
+    <message>
+        <source>Open System Settings…</source>
+        <extracomment>Small button, after the next four. Room: 336 px together with any of them.</extracomment>
+        <translation>Open System Settings…</translation>
+    </message>
+    <message>
+        <source>PhotoAccessNotAsked</source>
+        <extracomment>State: the computer has no folder of pictures.</extracomment>
+        <translation>No pictures folder</translation>
+    </message>
+    <message>
+        <source>PhotoAccessDenied</source>
+        <extracomment>State: the folder of pictures cannot be read.</extracomment>
+        <translation>Not readable</translation>
+    </message>
+    <message>
+        <source>PhotoAccessLimited</source>
+        <extracomment>State: some of the folders of pictures cannot be read.</extracomment>
+        <translation>Only some folders</translation>
+    </message>
+    <message>
+        <source>PhotoAccessAllowed</source>
+        <extracomment>State: all folders of pictures can be read.</extracomment>
+        <translation>Allowed</translation>
+    </message>
+    <message>
+        <source>Updates &amp; Feedback</source>
+        <extracomment>Title of a card, shown in capitals.</extracomment>
+        <translation>Updates &amp; Feedback</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <extracomment>Label of a row. Room: 84 px a word.</extracomment>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Install updates automatically</source>
+        <extracomment>Check box. Room: 350 px.</extracomment>
+        <translation>Install updates automatically</translation>
+    </message>
+    <message>
+        <source>Checking…</source>
+        <extracomment>State while the program asks for a newer version. Room: 330 px.</extracomment>
+        <translation>Checking…</translation>
+    </message>
+    <message>
+        <source>Feedback</source>
+        <extracomment>Label of a row. Room: 84 px a word.</extracomment>
+        <translation>Feedback</translation>
+    </message>
+    <message>
+        <source>Send Feedback…</source>
+        <extracomment>Small button: opens an e-mail to the makers. Room: 230 px.</extracomment>
+        <translation>Send Feedback…</translation>
+    </message>
+    <message>
+        <source>FeedbackHint</source>
+        <extracomment>Beside or under that button. Room: 340 px.</extracomment>
+        <translation>Opens a message in your e-mail program.</translation>
+    </message>
+    <message>
+        <source>OnboardTitle</source>
+        <extracomment>The first question at the very first start.</extracomment>
+        <translation>Where should your diary live?</translation>
+    </message>
+    <message>
+        <source>OnboardInfo</source>
+        <extracomment>Under that question; %@ is the name of a cloud drive, for example Nextcloud.</extracomment>
+        <translation>In %@, the diary is on your other devices too. On this computer, it is in your documents folder. You can change this later in the settings.</translation>
+    </message>
+    <message>
+        <source>OnboardICloud</source>
+        <extracomment>First button under that question; %@ is the name of a cloud drive, for example Nextcloud. Room: 240 px.</extracomment>
+        <translation>Keep It in %@</translation>
+    </message>
+    <message>
+        <source>OnboardLocal</source>
+        <extracomment>Second button under that question. Room: 240 px.</extracomment>
+        <translation>Keep It on This Computer</translation>
+    </message>
+    <message>
+        <source>This entry could not be saved. Tavelo keeps it and will try again.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>This entry could not be saved. Tavelo keeps it and will try again.</translation>
+    </message>
+    <message>
+        <source>Text that could not be saved is in %@</source>
+        <extracomment>Title of a message at the start; %@ is a folder.</extracomment>
+        <translation>Text that could not be saved is in %@</translation>
+    </message>
+    <message>
+        <source>Tavelo could not save this text to the diary when it was last closed. It is kept in this folder:</source>
+        <extracomment>Message at the start, followed by the folder on a line of its own.</extracomment>
+        <translation>Tavelo could not save this text to the diary when it was last closed. It is kept in this folder:</translation>
+    </message>
+    <message>
+        <source>Show Folder</source>
+        <extracomment>Button of that message. Room: 200 px.</extracomment>
+        <translation>Show Folder</translation>
+    </message>
+    <message>
+        <source>Tavelo is already open on this diary.</source>
+        <extracomment>Message when the program is started a second time.</extracomment>
+        <translation>Tavelo is already open on this diary.</translation>
+    </message>
+    <message>
+        <source>UpdateFoundTitle</source>
+        <extracomment>Title of a message.</extracomment>
+        <translation>A new version is available</translation>
+    </message>
+    <message>
+        <source>UpdateFoundInfo</source>
+        <extracomment>Text of that message; %@ is a version number.</extracomment>
+        <translation>Tavelo %@ has been downloaded and will be installed when you quit.</translation>
+    </message>
+    <message>
+        <source>UpdateFailedTitle</source>
+        <extracomment>Title of a message, and state in the settings window. Room: 330 px.</extracomment>
+        <translation>Could not check for updates</translation>
+    </message>
+    <message>
+        <source>UpdateFailedInfo</source>
+        <extracomment>Text of that message: no connection, or what was fetched is not genuine.</extracomment>
+        <translation>Tavelo could not fetch or verify the new version. Check your internet connection and try again later.</translation>
+    </message>
+    <message>
+        <source>UpdateUnsupportedInfo</source>
+        <extracomment>Text of that message, and state in the settings window: this copy was installed by other means. Room: wraps at 330 px.</extracomment>
+        <translation>This copy of Tavelo cannot update itself. If it came with your system, update it with the package manager.</translation>
+    </message>
+    <message>
+        <source>UpToDateTitle</source>
+        <extracomment>Title of a message, and state in the settings window. Room: 330 px.</extracomment>
+        <translation>Tavelo is up to date</translation>
+    </message>
+    <message>
+        <source>UpToDateInfo</source>
+        <extracomment>Text of that message; %@ is the version number in use.</extracomment>
+        <translation>Version %@ is the latest version.</translation>
+    </message>
+    <message>
+        <source>ConflictMarker</source>
+        <extracomment>A line that is written into the user's files, between two versions of an entry that could not be combined. Never change it once it was published: it is how a merge is recognised. One line of plain Markdown, no heading, no list, no fence.</extracomment>
+        <translation>*— The other version of this entry —*</translation>
+    </message>
+</context>
+</TS>
