@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "Support/Pictures.h"
+
+#include <DiaryApp/TextBlock.h>
+#include <DiaryApp/Theme.h>
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace diary {
+namespace {
+
+TextBlock laidOut(const QString &text, double width, const TextBlock::Style &style = {Theme::mono(13)}) {
+    TextBlock block;
+    block.set(text, style);
+    block.layOut(width);
+    return block;
+}
+
+int lineHeight() {
+    return static_cast<int>(std::ceil(QFontMetricsF(Theme::mono(13)).height()));
+}
+
+TEST(TextBlock, isOneLineHighWithoutText) {
+    EXPECT_EQ(laidOut(QString(), 100).height(), lineHeight());
+    EXPECT_EQ(laidOut(QString(), 100).lineCount(), 1);
+}
+
+TEST(TextBlock, wrapsBetweenWords) {
+    const auto block = laidOut(QStringLiteral("one two three four five six"), 80);
+    EXPECT_GT(block.lineCount(), 2);
+    EXPECT_EQ(block.height(), block.lineCount() * lineHeight());
+    EXPECT_LE(block.naturalWidth(), 80);
+}
+
+TEST(TextBlock, breaksALongWordAnywhere) {
+    const auto block = laidOut(QString(300, QLatin1Char('x')), 100);
+    EXPECT_GT(block.lineCount(), 10);
+    EXPECT_LE(block.naturalWidth(), 100);
+}
+
+TEST(TextBlock, putsSpacingBetweenTheLinesOnly) {
+    const auto text = QStringLiteral("one two three four five six");
+    const auto plain = laidOut(text, 80);
+    const auto spaced = laidOut(text, 80, {Theme::mono(13), 8});
+    EXPECT_EQ(spaced.height(), plain.height() + 8 * (plain.lineCount() - 1));
+    EXPECT_EQ(spaced.lineRect(0).top(), plain.lineRect(0).top());
+    EXPECT_EQ(spaced.lineRect(1).top(), plain.lineRect(1).top() + 8);
+}
+
+TEST(TextBlock, raisesEachLineByTheMultiple) {
+    const auto block = laidOut(QStringLiteral("one two three four five six"), 80, {Theme::mono(13), 0, 1.3});
+    const auto raised = std::round(1.3 * lineHeight());
+    EXPECT_EQ(block.height(), block.lineCount() * raised);
+    // What is added lies above.
+    EXPECT_EQ(block.lineRect(0).top(), raised - lineHeight());
+}
+
+TEST(TextBlock, startsParagraphsAtLineBreaks) {
+    const auto block = laidOut(QStringLiteral("one\ntwo\u2029three"), 500, {Theme::mono(13), 8, 1, 5});
+    EXPECT_EQ(block.lineCount(), 3);
+    EXPECT_EQ(block.height(), 3 * lineHeight() + 2 * 5);
+    EXPECT_EQ(block.lineRect(2).top(), 2 * lineHeight() + 2 * 5);
+}
+
+TEST(TextBlock, alignsEachParagraphByItsDirection) {
+    const auto block = laidOut(QStringLiteral("left\nימין\nيمين"), 200);
+    EXPECT_EQ(block.lineRect(0).left(), 0);
+    EXPECT_NEAR(block.lineRect(1).right(), 200, 1);
+    EXPECT_NEAR(block.lineRect(2).right(), 200, 1);
+    EXPECT_GT(block.lineRect(1).left(), 100);
+}
+
+TEST(TextBlock, paintsInsideWhatItMeasured) {
+    auto block = laidOut(QStringLiteral("some words that need a few lines"), 100, {Theme::serif(13), 8});
+    QImage picture(400, 600, QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(2);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    block.paint(painter, {50, 50}, Theme::railSnippet());
+    painter.end();
+    const QRect measured(50, 50, 100, static_cast<int>(block.height()));
+    EXPECT_GT(testing::pixelsOf(Theme::railSnippet(), picture, measured), 50);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const bool isInside = measured.adjusted(-1, 0, 1, 0).contains(x / 2, y / 2);
+            EXPECT_TRUE(isInside || qAlpha(picture.pixel(x, y)) == 0) << x << ' ' << y;
+        }
+    }
+}
+
+TEST(TextBlock, isLaidOutAnewForAnotherTextStyleOrWidth) {
+    auto block = laidOut(QStringLiteral("one two three four"), 60);
+    const auto narrow = block.height();
+    block.layOut(500);
+    EXPECT_EQ(block.height(), lineHeight());
+    block.set(QStringLiteral("one two three four"), {Theme::mono(26)});
+    block.layOut(500);
+    EXPECT_GT(block.height(), lineHeight());
+    EXPECT_GT(narrow, lineHeight());
+    block.set(QStringLiteral("a\nb"), {Theme::mono(26)});
+    block.layOut(500);
+    EXPECT_EQ(block.lineCount(), 2);
+}
+
+} // namespace
+} // namespace diary
