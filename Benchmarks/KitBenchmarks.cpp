@@ -3,6 +3,8 @@
 // The library against the least that the same work could cost: kit-benchmarks VAULT
 // Prints one ratio a line, with its aim. Each pair is measured in the same run.
 
+#include "FastestTimes.h"
+
 #include <DiaryKit/DiaryStore.h>
 #include <DiaryKit/LinuxCloudFiles.h>
 #include <DiaryKit/ParallelLoop.h>
@@ -13,7 +15,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -144,32 +145,6 @@ BENCHMARK(oneStatAFile)->Unit(benchmark::kMicrosecond);
 BENCHMARK(save)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(writeSyncRenameSync)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
-// Keeps the fastest repetition of each.
-class FastestTimes : public benchmark::BenchmarkReporter {
-public:
-    bool ReportContext(const Context &) override { return true; }
-    void ReportRuns(const std::vector<Run> &runs) override {
-        for (const auto &run : runs) {
-            if (run.run_type != Run::RT_Iteration)
-                continue;
-            const auto name = run.run_name.function_name;
-            const auto seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
-            const auto [fastest, isNew] = m_seconds.try_emplace(name, seconds);
-            if (!isNew && seconds < fastest->second)
-                fastest->second = seconds;
-        }
-    }
-
-    void printRatio(const char *title, const char *name, const char *against, const char *aim) const {
-        const double mine = m_seconds.at(name) * 1e3;
-        const double theirs = m_seconds.at(against) * 1e3;
-        std::printf("%-52s %8.2f %8s   (%.3f ms / %.3f ms)\n", title, mine / theirs, aim, mine, theirs);
-    }
-
-private:
-    std::map<std::string, double> m_seconds;
-};
-
 } // namespace
 
 int main(int argc, char *argv[]) {
@@ -181,7 +156,7 @@ int main(int argc, char *argv[]) {
     std::vector<const char *> options{argv[0], "--benchmark_repetitions=5", "--benchmark_min_time=0.2"};
     int count = static_cast<int>(options.size());
     benchmark::Initialize(&count, const_cast<char **>(options.data()));
-    FastestTimes times;
+    diary::FastestTimes times;
     benchmark::RunSpecifiedBenchmarks(&times);
     times.printRatio("sections of 1 MB / memchr over it", "sections", "memchrOverIt", "4.0");
     times.printRatio("cold statistics / reading the files", "coldStatistics", "readingTheFiles", "1.5");

@@ -43,6 +43,14 @@ std::filesystem::path chosenVault() {
     return VaultLocation::chosen(Settings::shared().defaults());
 }
 
+// As its users call it.
+QString cloudDriveName() {
+    const auto root = VaultLocation::cloudDriveRoot();
+    if (!root)
+        return L("Cloud Drive");
+    return root->filename() == "com~apple~CloudDocs" ? L("iCloud Drive") : pathToQString(root->filename());
+}
+
 // What the desktop gave this process to take the focus with.
 QByteArray activationToken() {
     const auto token = qgetenv("XDG_ACTIVATION_TOKEN");
@@ -72,6 +80,7 @@ std::unique_ptr<DiaryStore> AppDelegate::makeStore(Executor &executor) {
 
 void AppDelegate::applicationDidFinishLaunching() {
     QApplication::setPalette(Theme::palette());
+    Theme::setInterfaceLanguage(Localization::bundle().language());
     // A scripted run writes what it is told to and takes a picture; it may look at a vault in use.
     if (!isScenario() && !claimVault()) {
         QCoreApplication::exit();
@@ -161,6 +170,8 @@ void AppDelegate::rebuildMainWindow() {
 }
 
 void AppDelegate::applyLanguageChange() {
+    Localization::setBundle(Localization::resolveBundle());
+    Theme::setInterfaceLanguage(Localization::bundle().language());
     rebuildMainWindow();
 }
 
@@ -169,12 +180,13 @@ void AppDelegate::maybeShowOnboarding() {
     const bool isScripted = isScenario() || qEnvironmentVariableIsSet("DIARY_ROOT");
     if (!isAskedFor && (isScripted || !Settings::shared().needsOnboarding()))
         return;
+    const auto drive = cloudDriveName();
     const auto cloudVault = VaultLocation::cloudVault();
     showAlert(m_mainWindowController->window(),
               {.icon = QMessageBox::Question,
                .message = L("OnboardTitle"),
-               .informativeText = L("OnboardInfo"),
-               .buttons = {L("OnboardICloud"), L("OnboardLocal")},
+               .informativeText = L("OnboardInfo", drive),
+               .buttons = {L("OnboardICloud", drive), L("OnboardLocal")},
                .onAnswer = [this, cloudVault](int button) {
                    finishOnboarding(button == 0 && cloudVault ? *cloudVault : VaultLocation::localVault());
                }});

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/DebugScenario.h>
-#include <DiaryApp/EntryTextEdit.h>
+#include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
 
 #include <QApplication>
@@ -76,7 +76,7 @@ void runDebugScenario(AppDelegate &delegate) {
     showRequestedEntry(mainWindow->session());
     if (isSwitchedOn("DIARY_FULLSCREEN"))
         mainWindow->window()->setWindowState(mainWindow->window()->windowState() ^ Qt::WindowFullScreen);
-    if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView()->isEnabled())
+    if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView())
         mainWindow->textView()->textCursor().insertText(qEnvironmentVariable("DIARY_TYPE_TEXT"));
 
     const auto path = qEnvironmentVariable("DIARY_SCREENSHOT");

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <set>
 #include <utility>
 
 namespace diary {
@@ -26,19 +25,11 @@ bool EditingSession::canEdit() const {
     return hasDay && hasHeader;
 }
 
-std::string EditingSession::body(std::int64_t ofYear) const {
-    for (const auto &[year, body] : YearSectionParser::sectionBodies(m_rawText)) {
-        if (year == ofYear)
-            return std::string(body);
-    }
-    return {};
-}
-
-std::vector<std::int64_t> EditingSession::years() const {
-    std::set<std::int64_t, std::greater<>> years{currentYear(), m_viewedYear};
-    for (const auto &section : YearSectionParser::sections(m_rawText))
-        years.insert(section.year);
-    return {years.begin(), years.end()};
+QString EditingSession::body(std::int64_t ofYear) const {
+    const auto entry = std::find_if(m_entries.begin(), m_entries.end(), [ofYear](const YearEntry &candidate) {
+        return candidate.year == ofYear;
+    });
+    return entry != m_entries.end() ? entry->body : QString();
 }
 
 void EditingSession::resolveConflicts() {
@@ -52,8 +43,13 @@ void EditingSession::resolveConflicts() {
 void EditingSession::load() {
     // Asked before reading: a change that comes in between is then noticed by the next refresh.
     m_loadedModificationDate = m_store.modificationDate(m_currentMonthDay);
-    m_rawText = m_store.loadText(m_currentMonthDay);
-    m_draft = toQString(body(m_viewedYear));
+    setRawText(m_store.loadText(m_currentMonthDay));
+    m_draft = body(m_viewedYear);
+}
+
+void EditingSession::setRawText(std::string text) {
+    m_rawText = std::move(text);
+    m_entries = yearEntries(m_rawText);
 }
 
 // Before another entry takes its place: what cannot be saved now is set aside.
@@ -92,7 +88,7 @@ void EditingSession::pickYear(std::int64_t year) {
         return;
     leaveEntry();
     m_viewedYear = year;
-    m_draft = toQString(body(year));
+    m_draft = body(year);
     showEntry();
     render(Parts{} | Part::Sidebar | Part::Entry | Part::Rail | Part::Status);
     showFromTop();
@@ -145,7 +141,7 @@ bool EditingSession::saveUnsavedEntries() {
         if (!result)
             return false;
         if (entry.monthDay == m_currentMonthDay) {
-            m_rawText = result->text;
+            setRawText(result->text);
             changedShownFile = true;
         }
         return true;
@@ -164,14 +160,14 @@ bool EditingSession::saveDraft() {
     const auto saved = saveEntry(m_currentMonthDay, m_viewedYear, m_draft, asked);
     if (!saved)
         return false;
-    m_rawText = saved->text;
+    setRawText(saved->text);
     m_loadedModificationDate = saved->modificationDate;
     setDirty(false);
     auto parts = Parts{} | Part::Sidebar | Part::Rail;
     if (m_rawText != asked) {
         // Someone else wrote into this very entry in the same moment; the editor shows what is now there.
-        if (const auto now = body(m_viewedYear); asked.find(now) == std::string::npos) {
-            m_draft = toQString(now);
+        if (const auto now = body(m_viewedYear); asked.find(toUtf8(now)) == std::string::npos) {
+            m_draft = now;
             parts = allParts();
         }
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/YearEntry.h>
 #include <DiaryKit/DiaryStore.h>
 
 #include <QFlags>
@@ -58,7 +59,9 @@ public:
     MonthDay currentMonthDay() const { return m_currentMonthDay; }
     std::int64_t viewedYear() const { return m_viewedYear; }
     std::int64_t currentYear() const { return m_clock.today().year; }
+    // The day file as last read or written, and its sections.
     const std::string &rawText() const { return m_rawText; }
+    const std::vector<YearEntry> &entries() const { return m_entries; }
     const QString &draft() const { return m_draft; }
     bool isDirty() const { return m_isDirty; }
     bool hasUnsavedText() const { return m_isDirty || !m_unsavedEntries.empty(); }
@@ -70,10 +73,7 @@ public:
     bool canEdit() const;
 
     // The body of the first section of the year in the loaded file; empty when there is none.
-    std::string body(std::int64_t ofYear) const;
-
-    // The years of the loaded file, of the viewed entry and the current one; newest first, each once.
-    std::vector<std::int64_t> years() const;
+    QString body(std::int64_t ofYear) const;
 
     // Shows a day, in the current year. What was being edited is saved first.
     void open(MonthDay monthDay);
@@ -111,6 +111,7 @@ private:
 
     void resolveConflicts();
     void load();
+    void setRawText(std::string text);
     void leaveEntry();
     void showEntry();
     bool saveDraft();
@@ -128,8 +129,9 @@ private:
     Clock &m_clock;
     MonthDay m_currentMonthDay;
     std::int64_t m_viewedYear;
-    std::string m_rawText; // the day file as last read or written
-    QString m_draft;       // body of the viewed year in m_rawText unless dirty
+    std::string m_rawText;
+    std::vector<YearEntry> m_entries; // of m_rawText: taken apart once a load, not once a letter
+    QString m_draft;                  // body of the viewed year in m_rawText unless dirty
     bool m_showSource = false;
     bool m_isDirty = false;
     // The file's date when it was last read or written here; none when there was no file.

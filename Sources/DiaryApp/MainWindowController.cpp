@@ -1,30 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/AboutBox.h>
 #include <DiaryApp/Alert.h>
-#include <DiaryApp/EntryTextEdit.h>
+#include <DiaryApp/DayGridView.h>
+#include <DiaryApp/DayModels.h>
+#include <DiaryApp/EntryView.h>
 #include <DiaryApp/FileManager.h>
+#include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
-#include <DiaryApp/Text.h>
-#include <DiaryApp/Theme.h>
-#include <DiaryKit/UserDirectories.h>
+#include <DiaryApp/SidebarView.h>
+#include <DiaryApp/StatusBarView.h>
+#include <DiaryApp/TodayButton.h>
+#include <DiaryApp/TopBarView.h>
+#include <DiaryApp/YearRailView.h>
 
 #include <QApplication>
-#include <QComboBox>
 #include <QEvent>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QShortcut>
-#include <QSignalBlocker>
-#include <QTextCursor>
-#include <QVBoxLayout>
+#include <QScrollArea>
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 namespace diary {
 
@@ -32,52 +30,46 @@ namespace {
 
 constexpr QSize initialContentSize{1360, 840};
 constexpr QSize minimumContentSize{1080, 620};
-constexpr std::chrono::seconds flashDuration{4};
-constexpr int topBarHeight = 46;
-constexpr int statusBarHeight = 27;
-constexpr int pageMargin = 48;
-constexpr int editorFontPixels = 17;
-constexpr int chromeFontPixels = 13;
-
-QFont fontOfSize(const QFont &base, int pixels) {
-    QFont font = base;
-    font.setPixelSize(pixels);
-    return font;
-}
-
-void setBackground(QWidget *widget, const QColor &color) {
-    widget->setAutoFillBackground(true);
-    auto palette = widget->palette();
-    palette.setColor(QPalette::Window, color);
-    widget->setPalette(palette);
-}
-
-// The entry's length as people count: characters that can be seen. Surrogate pairs count once.
-qsizetype visibleLength(const QString &text) {
-    const auto characters = text.toUcs4();
-    return std::count_if(characters.begin(), characters.end(), [](char32_t c) { return !QChar::isSpace(c); });
-}
-
-// With the home folder as people write it.
-QString abbreviatingHome(const std::filesystem::path &path) {
-    const auto relative = path.lexically_relative(UserDirectories::home());
-    const bool isInside = !relative.empty() && *relative.begin() != "..";
-    return pathToQString(isInside ? "~" / relative : path);
-}
 
 } // namespace
 
+MainWindowLayout layoutMainWindow(QSize contentView) {
+    using Layout = MainWindowLayout;
+    const int middleHeight = contentView.height() - Layout::topBarHeight - Layout::statusBarHeight;
+    const int railX = contentView.width() - Layout::yearRailWidth;
+    const auto column = [&](int x, int width) { return QRect(x, Layout::topBarHeight, width, middleHeight); };
+    return {.topBar = {0, 0, contentView.width(), Layout::topBarHeight},
+            .sidebar = column(0, Layout::sidebarWidth),
+            .entryView = column(Layout::sidebarWidth, railX - Layout::sidebarWidth),
+            .yearRail = column(railX, Layout::yearRailWidth),
+            .statusBar = {0, contentView.height() - Layout::statusBarHeight, contentView.width(),
+                          Layout::statusBarHeight}};
+}
+
+class MainWindowController::ContentView : public QWidget {
+public:
+    std::function<void(const MainWindowLayout &)> onLayout;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override {
+        if (onLayout)
+            onLayout(layoutMainWindow(size()));
+        QWidget::resizeEvent(event);
+    }
+};
+
 MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock,
                                            FileManager &fileManager, MenuActions programActions)
-    : m_fileManager(fileManager),
+    : m_clock(clock),
+      m_fileManager(fileManager),
+      m_programActions(std::move(programActions)),
       m_store(std::move(store)),
       m_session(std::make_unique<EditingSession>(*m_store, clock)),
-      m_flashTimer(clock.makeTimer([this] { renderStatus(); })),
       m_window(std::make_unique<QMainWindow>()),
       m_dayChange(clock, [this] { m_session->calendarDayChanged(); }) {
-    buildWindow();
-    connectControls();
-    buildMenu(std::move(programActions));
+    buildWindow(clock);
+    wireCallbacks();
+    buildMenu(m_programActions);
     connectSession();
     watchVault();
     m_session->openToday();
@@ -87,99 +79,55 @@ MainWindowController::~MainWindowController() {
     m_window->removeEventFilter(this);
 }
 
-void MainWindowController::buildWindow() {
-    m_contentView = new QWidget;
+QWidget *MainWindowController::contentView() const {
+    return m_contentView;
+}
+
+GrowingTextView *MainWindowController::textView() const {
+    return m_entryView->textView();
+}
+
+void MainWindowController::buildWindow(Clock &clock) {
+    m_contentView = new ContentView;
     m_contentView->setObjectName(QStringLiteral("contentView"));
-
-    m_textView = new EntryTextEdit;
-    m_textView->setObjectName(QStringLiteral("textView"));
-    m_textView->setFrameShape(QFrame::NoFrame);
-    m_textView->setFont(fontOfSize(m_textView->font(), editorFontPixels));
-    m_textView->setTabStopDistance(4.0 * m_textView->fontMetrics().horizontalAdvance(QLatin1Char(' ')));
-    m_textView->document()->setDocumentMargin(pageMargin);
-    setBackground(m_textView, Theme::paper());
-
-    auto *statusBar = new QWidget;
-    statusBar->setObjectName(QStringLiteral("statusBar"));
-    statusBar->setFixedHeight(statusBarHeight);
-    setBackground(statusBar, Theme::bar());
-    m_status = new QLabel;
-    m_status->setObjectName(QStringLiteral("status"));
-    m_status->setFont(fontOfSize(m_status->font(), chromeFontPixels - 1));
-    m_status->setTextFormat(Qt::PlainText);
-    auto *statusLayout = new QHBoxLayout(statusBar);
-    statusLayout->setContentsMargins(16, 0, 16, 0);
-    statusLayout->addWidget(m_status);
-
-    auto *layout = new QVBoxLayout(m_contentView);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(buildTopBar());
-    layout->addWidget(m_textView, 1);
-    layout->addWidget(statusBar);
-
-    QWidget::setTabOrder(m_previousDay, m_nextDay);
-    QWidget::setTabOrder(m_nextDay, m_years);
-    QWidget::setTabOrder(m_years, m_today);
-    QWidget::setTabOrder(m_today, m_textView);
+    const auto add = [this](auto *view, const char *name) {
+        view->setParent(m_contentView);
+        view->setObjectName(QLatin1String(name));
+        return view;
+    };
+    // In the order of the Tab key: from the text to the years, around by the bars.
+    m_topBar = add(new TopBarView, "topBar");
+    m_sidebar = add(new SidebarView, "sidebar");
+    m_entryView = add(new EntryView, "entryView");
+    m_yearRail = add(new YearRailView, "yearRail");
+    m_statusBar = add(new StatusBarView(clock), "statusBar");
+    m_contentView->onLayout = [this](const MainWindowLayout &layout) {
+        m_topBar->setGeometry(layout.topBar);
+        m_sidebar->setGeometry(layout.sidebar);
+        m_entryView->setGeometry(layout.entryView);
+        m_yearRail->setGeometry(layout.yearRail);
+        m_statusBar->setGeometry(layout.statusBar);
+    };
 
     m_window->setObjectName(QStringLiteral("DiaryMainWindow"));
-    m_window->setCentralWidget(m_contentView);
     m_contentView->setMinimumSize(minimumContentSize);
+    m_window->setCentralWidget(m_contentView);
     m_window->installEventFilter(this);
 }
 
-QWidget *MainWindowController::buildTopBar() {
-    auto *topBar = new QWidget;
-    topBar->setObjectName(QStringLiteral("topBar"));
-    topBar->setFixedHeight(topBarHeight);
-    setBackground(topBar, Theme::bar());
-    const auto font = fontOfSize(topBar->font(), chromeFontPixels);
-
-    const auto addButton = [&](const QString &text, const char *name, const QString &description) {
-        auto *button = new QPushButton(text, topBar);
-        button->setObjectName(QLatin1String(name));
-        button->setFont(font);
-        button->setAccessibleName(description);
-        button->setToolTip(description);
-        return button;
+void MainWindowController::wireCallbacks() {
+    m_topBar->onRandom = [this] { goToRandomDay(); };
+    m_topBar->onToggleSource = [this] { m_session->toggleSourceView(); };
+    m_sidebar->onPreviousMonth = [this] { stepMonths(-1); };
+    m_sidebar->onNextMonth = [this] { stepMonths(1); };
+    m_sidebar->todayButton()->onClick = [this] { m_session->openToday(); };
+    m_sidebar->gridView()->onSelectDay = [this](std::int64_t day) {
+        m_session->open({m_session->currentMonthDay().month, day});
     };
-    m_previousDay = addButton(QStringLiteral("‹"), "previousDay", QStringLiteral("Previous Day"));
-    m_nextDay = addButton(QStringLiteral("›"), "nextDay", QStringLiteral("Next Day"));
-    m_today = addButton(QStringLiteral("Today"), "today", QStringLiteral("Go to Today"));
-    m_previousDay->setFixedWidth(34);
-    m_nextDay->setFixedWidth(34);
-
-    m_fileName = new QLabel(topBar);
-    m_fileName->setObjectName(QStringLiteral("fileName"));
-    auto titleFont = fontOfSize(font, chromeFontPixels + 1);
-    titleFont.setWeight(QFont::DemiBold);
-    m_fileName->setFont(titleFont);
-
-    m_years = new QComboBox(topBar);
-    m_years->setObjectName(QStringLiteral("years"));
-    m_years->setFont(font);
-    m_years->setAccessibleName(QStringLiteral("Year"));
-    m_years->setToolTip(QStringLiteral("The year of this day that is shown and edited"));
-
-    auto *layout = new QHBoxLayout(topBar);
-    layout->setContentsMargins(16, 0, 16, 0);
-    layout->setSpacing(8);
-    layout->addWidget(m_previousDay);
-    layout->addWidget(m_nextDay);
-    layout->addWidget(m_fileName);
-    layout->addStretch(1);
-    layout->addWidget(m_years);
-    layout->addWidget(m_today);
-    return topBar;
-}
-
-void MainWindowController::connectControls() {
-    connect(m_previousDay, &QPushButton::clicked, this, [this] { m_session->step(-1); });
-    connect(m_nextDay, &QPushButton::clicked, this, [this] { m_session->step(1); });
-    connect(m_today, &QPushButton::clicked, this, [this] { m_session->openToday(); });
-    connect(m_years, &QComboBox::activated, this,
-            [this](int index) { m_session->pickYear(m_years->itemData(index).toLongLong()); });
+    m_sidebar->onShowSettings = m_programActions.showSettings;
+    m_entryView->onDraftChanged = [this](const QString &text) { m_session->draftChanged(text); };
+    m_entryView->onPreviousDay = [this] { m_session->step(-1); };
+    m_entryView->onNextDay = [this] { m_session->step(1); };
 }
 
 void MainWindowController::buildMenu(MenuActions actions) {
@@ -203,23 +151,16 @@ void MainWindowController::buildMenu(MenuActions actions) {
 }
 
 void MainWindowController::connectSession() {
-    m_textView->onTextChanged = [this](const QString &text) { m_session->draftChanged(text); };
     m_session->onRender = [this](EditingSession::Parts parts) { render(parts); };
     m_session->onDirtyChanged = [this](bool dirty) { m_window->setWindowModified(dirty); };
     m_session->onMergedConflicts = [this] { flash(L("MergedRemoteNotice")); };
     m_session->onSaveError = [this](const QString &systemText) { showSaveError(systemText); };
-    m_session->onShowFromTop = [this] {
-        // Undoing here what was typed into another entry would put it into this one.
-        m_textView->document()->clearUndoRedoStacks();
-        m_textView->moveCursor(QTextCursor::End);
-        m_textView->verticalScrollBar()->setValue(0);
-        m_textView->setFocus();
-    };
+    m_session->onShowFromTop = [this] { m_entryView->startEntry(); };
 }
 
 void MainWindowController::showWindow() {
     m_window->show();
-    m_textView->setFocus();
+    m_entryView->takeKeyboard();
 }
 
 void MainWindowController::bringToFront() {
@@ -236,6 +177,11 @@ void MainWindowController::goToRandomDay() {
         QApplication::beep();
 }
 
+void MainWindowController::stepMonths(int months) {
+    const auto month = m_session->currentMonthDay().month - 1 + months;
+    m_session->open({(month % 12 + 12) % 12 + 1, 1});
+}
+
 void MainWindowController::showInFileManager() {
     const auto file = m_store->fileURL(m_session->currentMonthDay());
     std::error_code error;
@@ -243,6 +189,11 @@ void MainWindowController::showInFileManager() {
 }
 
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Paint && m_statisticsRequest == StatisticsRequest::NotYet) {
+        m_statisticsRequest = StatisticsRequest::None;
+        QMetaObject::invokeMethod(
+            this, [this] { requestStatistics(); }, Qt::QueuedConnection);
+    }
     if (event->type() == QEvent::Close) {
         m_session->flushSaveIfDirty();
         m_vaultObserver.reset();
@@ -267,8 +218,7 @@ void MainWindowController::watchVault() {
 }
 
 void MainWindowController::flash(const QString &notice) {
-    m_status->setText(notice);
-    m_flashTimer->start(flashDuration);
+    m_statusBar->flash(notice);
 }
 
 void MainWindowController::showSaveError(const QString &systemText) {
@@ -279,45 +229,64 @@ void MainWindowController::showSaveError(const QString &systemText) {
 }
 
 void MainWindowController::render(EditingSession::Parts parts) {
-    if (parts.testFlag(EditingSession::Part::TopBar))
+    using Part = EditingSession::Part;
+    if (parts.testFlag(Part::TopBar))
         renderTopBar();
-    if (parts.testFlag(EditingSession::Part::Entry))
+    if (parts.testFlag(Part::Sidebar))
+        renderSidebar();
+    if (parts.testFlag(Part::Entry))
         renderEntry();
-    if (parts.testFlag(EditingSession::Part::Status))
+    if (parts.testFlag(Part::Rail))
+        renderRail();
+    if (parts.testFlag(Part::Status))
         renderStatus();
 }
 
-void MainWindowController::renderTopBar() {
-    const auto fileName = toQString(m_session->currentMonthDay().fileName());
-    m_fileName->setText(fileName);
-    m_window->setWindowTitle(fileName + QStringLiteral("[*]"));
+void MainWindowController::renderEntry() {
+    m_entryView->update(DayModels::entry(DayState::of(*m_session)));
 }
 
-void MainWindowController::renderEntry() {
-    const QSignalBlocker quiet(m_years);
-    m_years->clear();
-    for (const auto year : m_session->years())
-        m_years->addItem(QString::number(year), QVariant::fromValue<qlonglong>(year));
-    m_years->setCurrentIndex(m_years->findData(QVariant::fromValue<qlonglong>(m_session->viewedYear())));
+void MainWindowController::renderRail() {
+    m_yearRail->update(
+        DayModels::rail(DayState::of(*m_session), [this](std::int64_t year) { m_session->pickYear(year); }));
+}
 
-    m_textView->setText(m_session->draft());
-    m_textView->setEnabled(m_session->canEdit());
-    m_textView->setAccessibleName(QString::number(m_session->viewedYear()));
-    const bool hasDay = m_session->currentMonthDay().weekday(m_session->viewedYear()).has_value();
-    const auto notEditable =
-        hasDay ? QStringLiteral("The year %1 cannot be written.") : QStringLiteral("%1 has no 29 February.");
-    m_textView->setPlaceholderText(
-        (m_session->canEdit() ? QStringLiteral("Write about this day in %1…") : notEditable)
-            .arg(m_session->viewedYear()));
+// With what is known already; what the vault holds now comes a moment later.
+void MainWindowController::renderSidebar() {
+    m_sidebar->update(DayModels::sidebar(DayState::of(*m_session), m_clock.today().monthDay(), m_statistics));
+    requestStatistics();
+}
+
+void MainWindowController::requestStatistics() {
+    if (m_statisticsRequest == StatisticsRequest::NotYet)
+        return;
+    if (m_statisticsRequest != StatisticsRequest::None) {
+        m_statisticsRequest = StatisticsRequest::UnderWayAndAgain;
+        return;
+    }
+    m_statisticsRequest = StatisticsRequest::UnderWay;
+    m_store->loadArchiveSnapshot([this](const DiaryStore::ArchiveSnapshot &snapshot) {
+        const bool isOutdated = std::exchange(m_statisticsRequest, StatisticsRequest::None) ==
+                                StatisticsRequest::UnderWayAndAgain;
+        if (m_statistics != snapshot) {
+            m_statistics = snapshot;
+            m_sidebar->update(
+                DayModels::sidebar(DayState::of(*m_session), m_clock.today().monthDay(), m_statistics));
+        }
+        if (isOutdated)
+            requestStatistics();
+    });
+}
+
+void MainWindowController::renderTopBar() {
+    const auto model = DayModels::topBar(DayState::of(*m_session));
+    m_topBar->update(model);
+    m_window->setWindowTitle(model.fileName + QStringLiteral("[*]"));
 }
 
 void MainWindowController::renderStatus() {
-    if (m_flashTimer->isActive())
-        return;
-    m_status->setText(QStringLiteral("Viewing ## %1 · %2 chars · %3")
-                          .arg(m_session->viewedYear())
-                          .arg(visibleLength(m_session->draft()))
-                          .arg(abbreviatingHome(m_store->fileURL(m_session->currentMonthDay()))));
+    m_statusBar->update(
+        DayModels::statusBar(DayState::of(*m_session), m_store->fileURL(m_session->currentMonthDay())));
 }
 
 } // namespace diary

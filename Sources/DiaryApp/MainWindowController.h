@@ -7,21 +7,42 @@
 #include <DiaryKit/VaultObserver.h>
 
 #include <QObject>
+#include <QRect>
+#include <QSize>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
-class QComboBox;
 class QEvent;
-class QLabel;
 class QMainWindow;
-class QPushButton;
 class QWidget;
 
 namespace diary {
 
-class EntryTextEdit;
+class EntryView;
 class FileManager;
+class GrowingTextView;
+class SidebarView;
+class StatusBarView;
+class TopBarView;
+class YearRailView;
+
+// Where the five views stand in the content view.
+struct MainWindowLayout {
+    static constexpr int topBarHeight = 46;
+    static constexpr int statusBarHeight = 27;
+    static constexpr int sidebarWidth = 236;
+    static constexpr int yearRailWidth = 272;
+
+    QRect topBar;
+    QRect sidebar;
+    QRect entryView;
+    QRect yearRail;
+    QRect statusBar;
+};
+
+MainWindowLayout layoutMainWindow(QSize contentView);
 
 // The one main window: shows the editing session and hands the user's wishes to it. Main thread only; the
 // clock and the file manager must outlive it.
@@ -39,8 +60,10 @@ public:
     DiaryStore &store() { return *m_store; }
     QMainWindow *window() const { return m_window.get(); }
     // Everything below the menu bar.
-    QWidget *contentView() const { return m_contentView; }
-    EntryTextEdit *textView() const { return m_textView; }
+    QWidget *contentView() const;
+    EntryView *entryView() const { return m_entryView; }
+    // None where there is nothing to edit.
+    GrowingTextView *textView() const;
 
     void showWindow();
     // Shown again in front of the other windows, where the desktop allows it.
@@ -50,18 +73,24 @@ public:
     std::function<void()> onClose;
 
     void goToRandomDay();
+    // The first day of the month that many months later, or earlier when negative.
+    void stepMonths(int months);
     // The day's file, or the vault while there is none.
     void showInFileManager();
 
     // A notice in the status bar, for some seconds.
     void flash(const QString &notice);
 
+    // Again with the present preferences, after one was changed.
+    void renderEntry();
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void buildWindow();
-    QWidget *buildTopBar();
-    void connectControls();
+    class ContentView;
+
+    void buildWindow(Clock &clock);
+    void wireCallbacks();
     void buildMenu(MenuActions actions);
     void connectSession();
     void showSaveError(const QString &systemText);
@@ -69,22 +98,32 @@ private:
 
     void render(EditingSession::Parts parts);
     void renderTopBar();
-    void renderEntry();
+    void renderSidebar();
+    void requestStatistics();
+    void renderRail();
     void renderStatus();
 
+    Clock &m_clock;
     FileManager &m_fileManager;
+    MenuActions m_programActions;
     std::unique_ptr<DiaryStore> m_store;
     std::unique_ptr<EditingSession> m_session;
-    std::unique_ptr<Timer> m_flashTimer;
     std::unique_ptr<QMainWindow> m_window;
-    QWidget *m_contentView = nullptr;
-    QPushButton *m_previousDay = nullptr;
-    QPushButton *m_nextDay = nullptr;
-    QPushButton *m_today = nullptr;
-    QLabel *m_fileName = nullptr;
-    QComboBox *m_years = nullptr;
-    EntryTextEdit *m_textView = nullptr;
-    QLabel *m_status = nullptr;
+    ContentView *m_contentView = nullptr;
+    TopBarView *m_topBar = nullptr;
+    SidebarView *m_sidebar = nullptr;
+    EntryView *m_entryView = nullptr;
+    YearRailView *m_yearRail = nullptr;
+    StatusBarView *m_statusBar = nullptr;
+    // What the last look at the whole vault told; none before the first.
+    std::optional<DiaryStore::ArchiveSnapshot> m_statistics;
+    enum class StatisticsRequest {
+        NotYet, // the first picture of the window comes first
+        None,
+        UnderWay,
+        UnderWayAndAgain,
+    };
+    StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
     DayChange m_dayChange;
     // Last, so that its thread has ended before anything else goes.
     std::unique_ptr<VaultObserver> m_vaultObserver;

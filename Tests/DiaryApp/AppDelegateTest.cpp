@@ -6,7 +6,7 @@
 #include "Support/TemporaryFolder.h"
 
 #include <DiaryApp/AppDelegate.h>
-#include <DiaryApp/EntryTextEdit.h>
+#include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/VaultClaim.h>

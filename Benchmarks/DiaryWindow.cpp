@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+//
+// The diary as it starts, left as soon as it is shown.
+
+#include "FirstPaint.h"
+
+#include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/FileManager.h>
+
+#include <QApplication>
+
+int main(int argc, char *argv[]) {
+    QApplication::setStyle(QStringLiteral("fusion"));
+    const QApplication application(argc, argv);
+    const diary::benchmarks::ExitAfterFirstPaint exit;
+    diary::SystemClock clock;
+    diary::DesktopFileManager fileManager;
+    diary::AppDelegate delegate(clock, fileManager);
+    QTimer::singleShot(0, &delegate, &diary::AppDelegate::applicationDidFinishLaunching);
+    return QApplication::exec();
+}

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryApp/GrowingTextView.h>
+#include <DiaryApp/RhythmLayoutManager.h>
+#include <DiaryApp/Theme.h>
+
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QSyntaxHighlighter>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace diary {
+
+namespace {
+
+constexpr double lineHeightPerFontSize = 2.05;
+constexpr int extraHeight = 4;
+constexpr int spacesPerTab = 4;
+
+} // namespace
+
+GrowingTextView *GrowingTextView::make(double fontSize, const QColor &textColor, QWidget *parent) {
+    auto *view = new GrowingTextView(parent);
+    view->m_layoutManager->setFixedLineHeight(std::round(fontSize * lineHeightPerFontSize));
+    const auto font = Theme::serif(fontSize);
+    view->setFont(font);
+    view->document()->setDefaultFont(font);
+    view->setTabStopDistance(spacesPerTab * QFontMetricsF(font).horizontalAdvance(QLatin1Char(' ')));
+    auto palette = view->palette();
+    palette.setColor(QPalette::Text, textColor);
+    palette.setColor(QPalette::Highlight, Theme::selectionBg());
+    palette.setColor(QPalette::HighlightedText, textColor);
+    view->setPalette(palette);
+    return view;
+}
+
+GrowingTextView::GrowingTextView(QWidget *parent)
+    : QTextEdit(parent), m_layoutManager(new RhythmLayoutManager(document())) {
+    setFrameShape(QFrame::NoFrame);
+    setAcceptRichText(false);
+    setAutoFormatting(QTextEdit::AutoNone);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(0);
+
+    m_layoutManager->setCaretColor(Theme::accent());
+    m_layoutManager->setSelectionColor(Theme::selectionBg());
+    document()->setDocumentLayout(m_layoutManager);
+    m_layoutManager->setPaintDevice(viewport());
+
+    // The text is always shown from its top: a page around it does the scrolling.
+    connect(verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            [this] { verticalScrollBar()->setRange(0, 0); });
+    connect(m_layoutManager, &QAbstractTextDocumentLayout::documentSizeChanged, this, [this] {
+        if (const int height = sizeHint().height(); height != std::exchange(m_reportedHeight, height))
+            updateGeometry();
+    });
+    // What the text control wants repainted is as high as the glyphs; caret and selection are higher.
+    for (auto *child : children()) {
+        if (child->inherits("QWidgetTextControl"))
+            connect(child, SIGNAL(updateRequest(QRectF)), this, SLOT(repaintAround(QRectF)));
+    }
+    connect(this, &QTextEdit::textChanged, this, &GrowingTextView::textDidChange);
+    connect(this, &QTextEdit::cursorPositionChanged, this, &GrowingTextView::caretDidMove);
+}
+
+int GrowingTextView::fixedLineHeight() const {
+    return static_cast<int>(m_layoutManager->fixedLineHeight());
+}
+
+void GrowingTextView::setText(const QString &text) {
+    if (text == this->text())
+        return;
+    const QSignalBlocker quiet(this);
+    const int caret = textCursor().position();
+    setPlainText(text);
+    auto cursor = textCursor();
+    cursor.setPosition(std::min(caret, document()->characterCount() - 1));
+    setTextCursor(cursor);
+    m_revision = document()->revision();
+}
+
+QString GrowingTextView::text() const {
+    // toPlainText() would replace no-break spaces.
+    auto text = document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    return text;
+}
+
+void GrowingTextView::setInert(bool isInert) {
+    m_isInert = isInert;
+    setReadOnly(isInert);
+    setTextInteractionFlags(isInert ? Qt::NoTextInteraction : Qt::TextEditorInteraction);
+    setFocusPolicy(isInert ? Qt::NoFocus : Qt::StrongFocus);
+    setAttribute(Qt::WA_TransparentForMouseEvents, isInert);
+}
+
+void GrowingTextView::setHighlighter(std::unique_ptr<QSyntaxHighlighter> highlighter) {
+    highlighter->setParent(document());
+    highlighter.release()->setDocument(document());
+}
+
+int GrowingTextView::heightForWidth(int width) const {
+    if (document()->pageSize().width() != width)
+        document()->setPageSize(QSizeF(width, -1));
+    return std::max(static_cast<int>(std::ceil(m_layoutManager->documentSize().height())) + extraHeight,
+                    leastHeight);
+}
+
+QSize GrowingTextView::sizeHint() const {
+    return {0, std::max(static_cast<int>(std::ceil(m_layoutManager->documentSize().height())) + extraHeight,
+                        leastHeight)};
+}
+
+QRect GrowingTextView::caretRect() const {
+    return m_layoutManager->caretRect(textCursor().position()).toAlignedRect();
+}
+
+QVariant GrowingTextView::inputMethodQuery(Qt::InputMethodQuery query) const {
+    if (query == Qt::ImCursorRectangle && !m_isInert)
+        return caretRect();
+    return QTextEdit::inputMethodQuery(query);
+}
+
+bool GrowingTextView::event(QEvent *event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        // A few keys of command lines that Qt takes for editing belong to the menu.
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->modifiers() == Qt::ControlModifier && (key->key() == Qt::Key_U || key->key() == Qt::Key_Y)) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QTextEdit::event(event);
+}
+
+void GrowingTextView::keyPressEvent(QKeyEvent *event) {
+    const bool isPageKey = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
+    const bool isTab = event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
+    if (isPageKey && event->modifiers() == Qt::NoModifier)
+        event->ignore(); // the page's
+    else if (isTab && event->modifiers().testFlag(Qt::ControlModifier))
+        QWidget::focusNextPrevChild(event->key() == Qt::Key_Tab &&
+                                    !event->modifiers().testFlag(Qt::ShiftModifier));
+    else
+        QTextEdit::keyPressEvent(event);
+}
+
+void GrowingTextView::wheelEvent(QWheelEvent *event) {
+    event->ignore();
+}
+
+void GrowingTextView::resizeEvent(QResizeEvent *event) {
+    QTextEdit::resizeEvent(event);
+    verticalScrollBar()->setRange(0, 0);
+}
+
+bool GrowingTextView::focusNextPrevChild(bool next) {
+    // Tab is text here; Shift+Tab leads back, Ctrl+Tab on.
+    return !next && QWidget::focusNextPrevChild(false);
+}
+
+bool GrowingTextView::canInsertFromMimeData(const QMimeData *source) const {
+    return source->hasText();
+}
+
+void GrowingTextView::insertFromMimeData(const QMimeData *source) {
+    if (!source->hasText() || isReadOnly())
+        return;
+    auto text = source->text();
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    textCursor().insertText(text);
+    ensureCursorVisible();
+}
+
+QMimeData *GrowingTextView::createMimeDataFromSelection() const {
+    auto text = textCursor().selectedText();
+    text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    auto *content = new QMimeData;
+    content->setText(text);
+    return content;
+}
+
+void GrowingTextView::repaintAround(const QRectF &rect) {
+    const int above = fixedLineHeight();
+    if (rect.isValid())
+        viewport()->update(rect.adjusted(-above, -above, above, above).toAlignedRect());
+    else
+        viewport()->update();
+}
+
+void GrowingTextView::textDidChange() {
+    // Styling reports itself as a change, too.
+    if (std::exchange(m_revision, document()->revision()) == document()->revision() || !onTextChanged)
+        return;
+    onTextChanged(text());
+}
+
+void GrowingTextView::caretDidMove() {
+    if (hasFocus() && onCaretMoved)
+        onCaretMoved(caretRect());
+}
+
+} // namespace diary

@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryApp/RhythmLayoutManager.h>
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTextBlockUserData>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace diary {
+
+namespace {
+
+constexpr double caretWidth = 2;
+// How far the selection of a line break reaches behind the text.
+constexpr double lineBreakWidth = 6;
+// Less spare room than this is not worth centring in.
+constexpr double leastSpareHeight = 1;
+
+double textHeight(const QFontMetricsF &metrics) {
+    return metrics.ascent() + metrics.descent();
+}
+
+} // namespace
+
+// What the lines of a block stand in; kept with the block.
+class RhythmLayoutManager::BlockBoxes : public QTextBlockUserData {
+public:
+    std::vector<LineBox> lines;
+
+    double height() const { return lines.empty() ? 0 : lines.back().top + lines.back().height; }
+};
+
+RhythmLayoutManager::RhythmLayoutManager(QTextDocument *document) : QAbstractTextDocumentLayout(document) {
+    connect(document, &QTextDocument::contentsChange, this, [this] { m_isStale = true; });
+}
+
+void RhythmLayoutManager::setFixedLineHeight(double height) {
+    m_fixedLineHeight = height;
+    m_isStale = true;
+    if (m_width >= 0)
+        documentChanged(0, 0, document()->characterCount());
+}
+
+const std::vector<RhythmLayoutManager::LineBox> &RhythmLayoutManager::boxesOf(const QTextBlock &block) {
+    static const std::vector<LineBox> none;
+    const auto *boxes = static_cast<const BlockBoxes *>(block.userData());
+    return boxes ? boxes->lines : none;
+}
+
+// The font that the character is styled with, not the one that the shaper found its glyph in.
+QFont RhythmLayoutManager::fontAt(const QTextBlock &block, int position) const {
+    for (const auto &range : block.layout()->formats()) {
+        if (position >= range.start && position < range.start + range.length &&
+            range.format.hasProperty(QTextFormat::FontPixelSize))
+            return range.format.font().resolve(document()->defaultFont());
+    }
+    return document()->defaultFont();
+}
+
+void RhythmLayoutManager::layOut(const QTextBlock &block) {
+    auto *boxes = new BlockBoxes;
+    auto *layout = block.layout();
+    auto option = document()->defaultTextOption();
+    option.setTextDirection(block.textDirection());
+    layout->setTextOption(option);
+    QFont lastFont = document()->defaultFont();
+    QFontMetricsF metrics(lastFont, paintDevice());
+    double top = 0;
+    layout->beginLayout();
+    for (auto line = layout->createLine(); line.isValid(); line = layout->createLine()) {
+        line.setLeadingIncluded(false);
+        line.setLineWidth(std::max(m_width, 1.0));
+        if (const auto font = fontAt(block, line.textStart()); font != lastFont) {
+            lastFont = font;
+            metrics = QFontMetricsF(font, paintDevice());
+        }
+        const double natural = textHeight(metrics);
+        const double height = std::max(m_fixedLineHeight, std::ceil(natural));
+        const double spare = height - natural;
+        const double above = spare > leastSpareHeight ? spare / 2 : spare;
+        // A whole pixel, or the lines would not look alike.
+        const double baseline = std::round(top + above + metrics.ascent());
+        line.setPosition({0, baseline - line.ascent()});
+        boxes->lines.push_back({top, height});
+        top += height;
+    }
+    layout->endLayout();
+    // The block's handle is a value; what it stands for belongs to the document.
+    QTextBlock(block).setUserData(boxes);
+}
+
+// Moves the blocks from this one on to where they belong, as far as they are not there already.
+void RhythmLayoutManager::placeFrom(const QTextBlock &first, double y) {
+    auto block = first;
+    while (block.isValid() && (block.layout()->position().y() != y || !block.userData())) {
+        if (!block.userData())
+            layOut(block);
+        block.layout()->setPosition({0, y});
+        y += static_cast<const BlockBoxes *>(block.userData())->height();
+        block = block.next();
+    }
+}
+
+void RhythmLayoutManager::layOutAll() {
+    double y = 0;
+    for (auto block = document()->begin(); block.isValid(); block = block.next()) {
+        layOut(block);
+        block.layout()->setPosition({0, y});
+        y += static_cast<const BlockBoxes *>(block.userData())->height();
+    }
+}
+
+void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
+    const double width = document()->pageSize().width();
+    const bool isAnotherWidth = width != m_width || document()->defaultFont() != m_font;
+    // A resize says that everything changed, like a new text does; where the width is the same, nothing has.
+    if (!m_isStale && !isAnotherWidth && from == 0 && oldLength == 0)
+        return;
+    m_isStale = false;
+    m_width = width;
+    m_font = document()->defaultFont();
+
+    QRectF dirty(0, 0, m_width, 1e9);
+    if (isAnotherWidth || !document()->begin().userData()) {
+        layOutAll();
+    } else {
+        const auto first = document()->findBlock(from);
+        // Also the paragraph behind a line break that was put in.
+        auto last = document()->findBlock(from + length);
+        if (!last.isValid())
+            last = document()->lastBlock();
+        const auto previous = first.previous();
+        double y = previous.isValid() ? blockBoundingRect(previous).bottom() : 0;
+        dirty.setTop(y);
+        const auto end = last.next();
+        for (auto block = first; block.isValid() && block != end; block = block.next()) {
+            layOut(block);
+            block.layout()->setPosition({0, y});
+            y += static_cast<const BlockBoxes *>(block.userData())->height();
+        }
+        if (!end.isValid() || end.layout()->position().y() == y)
+            dirty.setBottom(std::max(y, m_size.height()));
+        if (end.isValid() && end.layout()->position().y() == y)
+            dirty.setBottom(y);
+        placeFrom(end, y);
+    }
+
+    const QSizeF size(m_width, blockBoundingRect(document()->lastBlock()).bottom());
+    if (size != m_size) {
+        m_size = size;
+        emit documentSizeChanged(m_size);
+    }
+    emit update(dirty);
+}
+
+QRectF RhythmLayoutManager::frameBoundingRect(QTextFrame *) const {
+    return {{0, 0}, m_size};
+}
+
+QRectF RhythmLayoutManager::blockBoundingRect(const QTextBlock &block) const {
+    const auto *boxes = block.isValid() ? static_cast<const BlockBoxes *>(block.userData()) : nullptr;
+    return boxes ? QRectF(0, block.layout()->position().y(), m_width, boxes->height()) : QRectF();
+}
+
+// The one that the height is in, else the first or the last.
+QTextBlock RhythmLayoutManager::blockAt(double y) const {
+    int low = 0;
+    int high = document()->blockCount() - 1;
+    while (low < high) {
+        const int middle = low + (high - low) / 2;
+        if (blockBoundingRect(document()->findBlockByNumber(middle)).bottom() > y)
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    return document()->findBlockByNumber(low);
+}
+
+int RhythmLayoutManager::hitTest(const QPointF &point, Qt::HitTestAccuracy accuracy) const {
+    const auto block = blockAt(point.y());
+    const auto &boxes = boxesOf(block);
+    if (boxes.empty())
+        return -1;
+    const double y = point.y() - block.layout()->position().y();
+    const auto box = std::find_if(boxes.begin(), boxes.end() - 1, [y](const LineBox &candidate) {
+        return y < candidate.top + candidate.height;
+    });
+    const auto line = block.layout()->lineAt(static_cast<int>(box - boxes.begin()));
+    const auto text = line.naturalTextRect();
+    const bool isOutside = y < 0 || y > boxes.back().top + boxes.back().height || point.x() < text.left() ||
+                           point.x() > text.right();
+    if (accuracy == Qt::ExactHit && isOutside)
+        return -1;
+    // Below the last line is the end of the text.
+    if (y > boxes.back().top + boxes.back().height)
+        return block.position() + block.length() - 1;
+    return block.position() + line.xToCursor(point.x());
+}
+
+QRectF RhythmLayoutManager::lineRect(int position) const {
+    const auto block = document()->findBlock(position);
+    const auto line =
+        block.isValid() ? block.layout()->lineForTextPosition(position - block.position()) : QTextLine();
+    if (!line.isValid())
+        return {};
+    const auto &box = boxesOf(block)[static_cast<std::size_t>(line.lineNumber())];
+    return {0, block.layout()->position().y() + box.top, m_width, box.height};
+}
+
+QRectF RhythmLayoutManager::caretRect(int position) const {
+    const auto block = document()->findBlock(position);
+    return block.isValid() ? caretRect(block, position - block.position()) : QRectF();
+}
+
+QRectF RhythmLayoutManager::caretRect(const QTextBlock &block, int positionInBlock) const {
+    const auto line = block.layout()->lineForTextPosition(positionInBlock);
+    if (!line.isValid())
+        return {};
+    // By the character before, which is what writing goes on from; at the beginning by the first one.
+    const auto font = fontAt(block, std::max(positionInBlock, 1) - 1);
+    const auto &box = boxesOf(block)[static_cast<std::size_t>(line.lineNumber())];
+    const double height = std::ceil(textHeight(QFontMetricsF(font, paintDevice()))) + 2;
+    const double top = std::round(block.layout()->position().y() + box.top + (box.height - height) / 2);
+    const double x =
+        std::clamp(std::round(line.cursorToX(positionInBlock)), 0.0, std::max(0.0, m_width - caretWidth));
+    return {x, top, caretWidth, height};
+}
+
+void RhythmLayoutManager::drawSelections(QPainter *painter, const QTextBlock &block,
+                                         const PaintContext &context) const {
+    const auto *layout = block.layout();
+    const auto &boxes = boxesOf(block);
+    for (const auto &selection : context.selections) {
+        const int start = selection.cursor.selectionStart() - block.position();
+        const int end = selection.cursor.selectionEnd() - block.position();
+        if (end <= 0 || start >= block.length())
+            continue;
+        for (int index = 0; index < layout->lineCount(); ++index) {
+            const auto line = layout->lineAt(index);
+            const int lineEnd = line.textStart() + line.textLength();
+            const auto &box = boxes[static_cast<std::size_t>(index)];
+            const double y = layout->position().y() + box.top;
+            if (context.clip.isValid() && (y > context.clip.bottom() || y + box.height < context.clip.top()))
+                continue;
+            // Character by character, since in text of both directions a selection is several pieces.
+            for (int at = std::max(start, line.textStart()); at < std::min(end, lineEnd); ++at) {
+                const double leading = line.cursorToX(at, QTextLine::Leading);
+                const double trailing = line.cursorToX(at, QTextLine::Trailing);
+                painter->fillRect(QRectF(QPointF(std::floor(std::min(leading, trailing)), y),
+                                         QPointF(std::ceil(std::max(leading, trailing)), y + box.height)),
+                                  m_selectionColor);
+            }
+            const bool isLastLine = index == layout->lineCount() - 1;
+            if (isLastLine && start <= lineEnd && end > lineEnd) {
+                const bool isRightToLeft = block.textDirection() == Qt::RightToLeft;
+                const double x = line.cursorToX(lineEnd);
+                painter->fillRect(
+                    QRectF(std::floor(isRightToLeft ? x - lineBreakWidth : x), y, lineBreakWidth, box.height),
+                    m_selectionColor);
+            }
+        }
+    }
+}
+
+void RhythmLayoutManager::draw(QPainter *painter, const PaintContext &context) {
+    const auto clip = context.clip.isValid() ? context.clip : QRectF(0, 0, m_width, m_size.height());
+    painter->setPen(context.palette.color(QPalette::Text));
+    for (auto block = blockAt(clip.top()); block.isValid(); block = block.next()) {
+        const auto rect = blockBoundingRect(block);
+        if (rect.top() > clip.bottom())
+            break;
+        drawSelections(painter, block, context);
+        block.layout()->draw(painter, {0, 0}, {}, clip);
+
+        int caret = context.cursorPosition;
+        if (caret < -1) // within a text that is being composed
+            caret = block.layout()->preeditAreaPosition() < 0 || block.layout()->preeditAreaText().isEmpty()
+                        ? -1
+                        : block.position() + block.layout()->preeditAreaPosition() - (caret + 2);
+        if (caret >= block.position() &&
+            caret < block.position() + block.length() + block.layout()->preeditAreaText().size())
+            painter->fillRect(caretRect(block, caret - block.position()), m_caretColor);
+    }
+}
+
+} // namespace diary

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryApp/Text.h>
+#include <DiaryApp/YearEntry.h>
+#include <DiaryKit/YearSectionParser.h>
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+
+namespace diary {
+
+namespace {
+
+constexpr qsizetype excerptLength = 46;
+
+// Whether the code unit is a character of its own beside any other such unit, so that between two of them no
+// rules for grapheme clusters need to be asked. Most of what people write is of this kind.
+bool standsAlone(QChar unit) {
+    const char16_t c = unit.unicode();
+    const auto isWithin = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
+    return (c < 0x0300 && c != u'\r')   // Latin
+           || isWithin(0x0370, 0x0482)  // Greek, Cyrillic
+           || isWithin(0x048A, 0x052F)  // more Cyrillic
+           || isWithin(0x05D0, 0x05EA)  // Hebrew
+           || isWithin(0x0620, 0x064A)  // Arabic
+           || isWithin(0x2010, 0x2027)  // dashes, quotation marks
+           || isWithin(0x3000, 0x3029)  // Han punctuation
+           || isWithin(0x3041, 0x3096)  // Hiragana
+           || isWithin(0x30A0, 0x30FF)  // Katakana
+           || isWithin(0x3400, 0x4DBF)  // Han
+           || isWithin(0x4E00, 0x9FFF)  // Han
+           || isWithin(0xAC00, 0xD7A3)  // Hangul syllables
+           || isWithin(0xFF01, 0xFF9D); // fullwidth forms
+}
+
+bool isLineBreak(QChar unit) {
+    const char16_t c = unit.unicode();
+    return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
+
+qsizetype charCountByClusters(QStringView text) {
+    qsizetype count = 0;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text.data(), text.size());
+    for (qsizetype start = 0, end = finder.toNextBoundary(); end > start;
+         start = end, end = finder.toNextBoundary())
+        count += text[start].isSpace() ? 0 : 1;
+    return count;
+}
+
+} // namespace
+
+qsizetype charCount(QStringView text) {
+    const auto isSafeBreakAfter = [text](qsizetype at) {
+        return standsAlone(text[at]) && (at + 1 == text.size() || standsAlone(text[at + 1]));
+    };
+    qsizetype count = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (isSafeBreakAfter(at)) {
+            count += text[at].isSpace() ? 0 : 1;
+            continue;
+        }
+        const auto start = at;
+        while (at + 1 < text.size() && !isSafeBreakAfter(at))
+            ++at;
+        count += charCountByClusters(text.sliced(start, at + 1 - start));
+    }
+    return count;
+}
+
+QString excerpt(QStringView text) {
+    QString line;
+    qsizetype characters = 0;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text.data(), text.size());
+    qsizetype start = 0;
+    while (start < text.size() && characters < excerptLength) {
+        const auto end = finder.toNextBoundary();
+        // A carriage return and its line feed are one character.
+        line += isLineBreak(text[start]) ? QStringView(u" ") : text.sliced(start, end - start);
+        start = end;
+        ++characters;
+    }
+    return start < text.size() ? line + QChar(0x2026) : line;
+}
+
+std::vector<YearEntry> yearEntries(std::string_view dayFile) {
+    std::vector<YearEntry> entries;
+    for (const auto &[year, bodyText] : YearSectionParser::sectionBodies(dayFile)) {
+        const auto body = toQString(bodyText);
+        entries.push_back({.year = year,
+                           .body = body,
+                           .charCount = charCount(body),
+                           .excerpt = QStringView(body).trimmed().isEmpty() ? QString() : excerpt(body)});
+    }
+    return entries;
+}
+
+} // namespace diary
