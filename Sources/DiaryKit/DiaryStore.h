@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <DiaryKit/ByteRange.h>
 #include <DiaryKit/CloudFiles.h>
 #include <DiaryKit/DiaryDay.h>
 #include <DiaryKit/DurableFile.h>
@@ -13,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -166,12 +168,20 @@ public:
     std::vector<SearchHit> searchEntries(std::string_view query, int limit);
     static std::vector<SearchHit> searchEntries(const std::filesystem::path &rootURL, std::string_view query,
                                                 int limit);
-    // Reads on several threads, each file once; stops early when it has enough.
+    // The same in the background. The result is handed over on the main thread; not at all once a stop is
+    // requested there, or when the store is gone by then.
+    void searchEntriesInBackground(std::string query, int limit, std::stop_token stop,
+                                   std::function<void(const SearchResult &)> onFound);
+    // Reads on several threads, each file once; ends early when it has enough, and with whatever it has when
+    // a stop is requested.
     static SearchResult search(const std::filesystem::path &rootURL, const std::set<MonthDay> &files,
-                               std::string_view query, int limit, const CloudFiles &cloudFiles);
+                               std::string_view query, int limit, const CloudFiles &cloudFiles,
+                               const std::stop_token &stop = {});
 
     // The place of the query in a trimmed body, with some characters before and after it.
     static std::string snippet(std::string_view query, std::string_view body);
+    // Every place of the query in a text, such as a snippet, compared as the search does.
+    static std::vector<ByteRange> matches(std::string_view query, std::string_view text);
 
     // Files that a sync tool keeps elsewhere until they are wanted. Nothing here waits for a download.
 

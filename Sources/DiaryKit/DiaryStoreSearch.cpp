@@ -18,6 +18,7 @@
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace diary {
 
@@ -184,8 +185,14 @@ std::string DiaryStore::snippet(std::string_view query, std::string_view body) {
     return snippetOf(TextMatcher(query, CaseRules::Default, Equivalence::CodePoints), body);
 }
 
+std::vector<ByteRange> DiaryStore::matches(std::string_view query, std::string_view text) {
+    const auto wanted = UnicodeText::repaired(std::string(withoutBlanksAround(query)));
+    return TextMatcher(wanted, userCaseRules(), Equivalence::Canonical).findAll(text);
+}
+
 DiaryStore::SearchResult DiaryStore::search(const fs::path &rootURL, const std::set<MonthDay> &files,
-                                            std::string_view query, int limit, const CloudFiles &cloudFiles) {
+                                            std::string_view query, int limit, const CloudFiles &cloudFiles,
+                                            const std::stop_token &stop) {
     const auto wanted = withoutBlanksAround(query);
     if (wanted.empty() || limit <= 0)
         return {};
@@ -200,6 +207,8 @@ DiaryStore::SearchResult DiaryStore::search(const fs::path &rootURL, const std::
     std::vector<char> isAwaiting(ordered.size());
     runInParallel(ordered.size(), [&] {
         return [&, reader = std::make_shared<DayFileReader>(rootURL)](std::size_t index) {
+            if (stop.stop_requested())
+                return false;
             const auto monthDay = ordered[index];
             const auto path = rootURL / monthDay.fileName();
             std::vector<SearchHit> found;
@@ -225,6 +234,28 @@ std::vector<DiaryStore::SearchHit> DiaryStore::searchEntries(std::string_view qu
     auto result = search(m_rootURL, knownFiles(), query, limit, *m_options.cloudFiles);
     m_awaitingDownload.merge(result.awaitingDownload);
     return std::move(result.hits);
+}
+
+void DiaryStore::searchEntriesInBackground(std::string query, int limit, std::stop_token stop,
+                                           std::function<void(const SearchResult &)> onFound) {
+    auto *executor = m_options.executor;
+    // `this` is touched on the main thread alone, and only while the store lives. A list of files that is
+    // made here is not kept: it may be older than what the store was told meanwhile.
+    auto work = [this, executor, root = m_rootURL, files = m_knownFiles, query = std::move(query), limit,
+                 cloudFiles = m_options.cloudFiles, lifetime = std::weak_ptr<int>(m_lifetime),
+                 stop = std::move(stop), onFound = std::move(onFound)] {
+        if (stop.stop_requested())
+            return;
+        auto result = std::make_shared<const SearchResult>(
+            search(root, files ? *files : dayFiles(root), query, limit, *cloudFiles, stop));
+        executor->postToMain([this, result, lifetime, stop, onFound] {
+            if (lifetime.expired() || stop.stop_requested())
+                return;
+            m_awaitingDownload.insert(result->awaitingDownload.begin(), result->awaitingDownload.end());
+            onFound(*result);
+        });
+    };
+    executor->runInBackground(Executor::Priority::UserInitiated, std::move(work));
 }
 
 std::vector<DiaryStore::SearchHit> DiaryStore::searchEntries(const fs::path &rootURL, std::string_view query,

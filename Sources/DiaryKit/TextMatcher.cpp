@@ -138,4 +138,14 @@ std::optional<ByteRange> TextMatcher::find(std::string_view text) const {
     return std::nullopt;
 }
 
+std::vector<ByteRange> TextMatcher::findAll(std::string_view text) const {
+    std::vector<ByteRange> matches;
+    std::size_t from = 0;
+    while (const auto match = find(text.substr(from))) {
+        matches.push_back({from + match->begin, from + match->end});
+        from += match->end;
+    }
+    return matches;
+}
+
 } // namespace diary

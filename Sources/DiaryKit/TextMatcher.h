@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace diary {
 
@@ -23,6 +24,8 @@ public:
 
     // The first match; none for an empty query.
     std::optional<ByteRange> find(std::string_view text) const;
+    // Every match, in order; of two that overlap the first.
+    std::vector<ByteRange> findAll(std::string_view text) const;
 
     // The query as it is compared.
     const std::u32string &foldedQuery() const { return m_query; }

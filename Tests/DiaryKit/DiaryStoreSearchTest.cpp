@@ -5,10 +5,16 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
+#include <set>
+#include <stop_token>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <Support/FakeCloudFiles.h>
+#include <Support/ManualExecutor.h>
 #include <Support/TemporaryFolder.h>
 
 namespace diary {
@@ -120,6 +126,109 @@ TEST_F(DiaryStoreSearch, leavesPlaceholdersOutAndRemembersThem) {
     DiaryStore store(vault.path());
     EXPECT_EQ(store.searchEntries("word", 200).size(), 1U);
     EXPECT_EQ(store.awaitingDownload(), (std::set<MonthDay>{{3, 14}}));
+}
+
+class DiaryStoreBackgroundSearch : public DiaryStoreSearch {
+protected:
+    void start(const std::string &query) {
+        store->searchEntriesInBackground(query, 200, stop.get_token(),
+                                         [this](const auto &result) { found = result.hits; });
+    }
+
+    testing::ManualExecutor executor;
+    std::shared_ptr<FakeCloudFiles> cloud = std::make_shared<FakeCloudFiles>();
+    std::optional<DiaryStore> store{std::in_place, vault.path(),
+                                    DiaryStore::Options{.cloudFiles = cloud, .executor = &executor}};
+    std::stop_source stop;
+    std::optional<std::vector<Hit>> found;
+};
+
+TEST_F(DiaryStoreBackgroundSearch, findsTheSameAndRemembersTheDaysThatAwaitDownload) {
+    vault.write("03-14.md", "## 2024\n\nword\n");
+    vault.write("03-15.md", "## 2024\n\nWord\n");
+    vault.write(".03-16.md.icloud", "");
+    cloud->statuses["03-16.md"] = CloudFiles::DownloadingStatus::NotDownloaded;
+    start(" word ");
+    EXPECT_TRUE(cloud->asked.empty());
+    executor.runBackground();
+    EXPECT_FALSE(found);
+    EXPECT_TRUE(store->awaitingDownload().empty());
+    executor.runMain();
+    EXPECT_EQ(found, search("word"));
+    EXPECT_EQ(store->awaitingDownload(), (std::set<MonthDay>{{3, 16}}));
+}
+
+TEST_F(DiaryStoreBackgroundSearch, looksIntoTheFilesThatTheStoreKnows) {
+    vault.write("03-14.md", "## 2024\n\nword\n");
+    store->knownFiles();
+    vault.write("03-15.md", "## 2024\n\nword\n");
+    start("word");
+    executor.runBackground();
+    executor.runMain();
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->size(), 1U);
+}
+
+TEST_F(DiaryStoreBackgroundSearch, readsNothingWhenStoppedBeforeItBegins) {
+    vault.write("03-14.md", "## 2024\n\nword\n");
+    start("word");
+    stop.request_stop();
+    executor.runBackground();
+    executor.runMain();
+    EXPECT_FALSE(found);
+    EXPECT_TRUE(cloud->asked.empty());
+}
+
+TEST_F(DiaryStoreBackgroundSearch, handsNothingOverWhenStoppedAfterItEnded) {
+    vault.write("03-14.md", "## 2024\n\nword\n");
+    cloud->statuses["03-14.md"] = CloudFiles::DownloadingStatus::NotDownloaded;
+    start("word");
+    executor.runBackground();
+    stop.request_stop();
+    executor.runMain();
+    EXPECT_FALSE(found);
+    EXPECT_TRUE(store->awaitingDownload().empty());
+}
+
+TEST_F(DiaryStoreBackgroundSearch, handsNothingOverWhenTheStoreIsGone) {
+    vault.write("03-14.md", "## 2024\n\nword\n");
+    start("word");
+    executor.runBackground();
+    store.reset();
+    executor.runMain();
+    EXPECT_FALSE(found);
+}
+
+TEST_F(DiaryStoreSearch, readsNoFurtherFilesOnceAStopIsRequested) {
+    // Requests the stop when it is asked for the first file.
+    class StoppingCloudFiles : public FakeCloudFiles {
+    public:
+        mutable std::stop_source stop;
+        DownloadingStatus downloadingStatus(const std::filesystem::path &file) const override {
+            stop.request_stop();
+            return FakeCloudFiles::downloadingStatus(file);
+        }
+    };
+    for (MonthDay day{1, 1}; vault.names().size() < 100; day = day.advanced(1))
+        vault.write(day.fileName(), "## 2024\n\nword\n");
+    const StoppingCloudFiles cloud;
+    const auto token = cloud.stop.get_token();
+    const auto result =
+        DiaryStore::search(vault.path(), DiaryStore::dayFiles(vault.path()), "word", 200, cloud, token);
+    EXPECT_LT(cloud.asked.size(), 10U); // one for each thread
+    EXPECT_EQ(result.hits.size(), cloud.asked.size());
+}
+
+TEST(DiaryStoreMatches, tellsEveryPlaceThatTheSearchWouldFind) {
+    const auto matches = [](std::string_view query, const std::string &text) {
+        std::vector<std::string> found;
+        for (const auto &range : DiaryStore::matches(query, text))
+            found.emplace_back(range.in(text));
+        return found;
+    };
+    EXPECT_EQ(matches(" \tcaf\u00E9 ", "Cafe\u0301, CAF\u00C9, cafe"),
+              (std::vector<std::string>{"Cafe\u0301", "CAF\u00C9"}));
+    EXPECT_TRUE(matches(" \t", "a b").empty());
 }
 
 TEST_F(DiaryStoreSearch, passesOverWhatCannotBeRead) {

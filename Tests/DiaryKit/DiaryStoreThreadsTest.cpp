@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 #include <Support/TemporaryFolder.h>
@@ -67,6 +69,21 @@ TEST_F(DiaryStoreThreads, searchesFromSeveralThreadsAtOnce) {
         });
     }
     executor.join();
+}
+
+TEST_F(DiaryStoreThreads, stopsASearchUnderWayForANewerOne) {
+    DiaryStore store(vault.path(), {.stateFolder = state.path(), .executor = &executor});
+    bool wasFound = false;
+    std::optional<std::size_t> newerHits;
+    std::stop_source older;
+    store.searchEntriesInBackground("word", 1000, older.get_token(), [&](const auto &) { wasFound = true; });
+    older.request_stop();
+    store.searchEntriesInBackground("OTHER", 1000, {},
+                                    [&](const auto &result) { newerHits = result.hits.size(); });
+    while (!newerHits)
+        executor.runNext();
+    EXPECT_EQ(newerHits, 60U);
+    EXPECT_FALSE(wasFound);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace diary {
@@ -92,6 +93,20 @@ TEST(TextMatcher, tellsWhereTheFirstMatchLies) {
     const auto match = TextMatcher("STRASSE", CaseRules::Default, Equivalence::Canonical).find(text);
     ASSERT_TRUE(match);
     EXPECT_EQ(match->in(text), "Straße");
+}
+
+TEST(TextMatcher, tellsWhereEveryMatchLiesWithoutOverlaps) {
+    const auto matches = [](std::string_view query, const std::string &text) {
+        std::vector<std::string> found;
+        for (const auto &range : TextMatcher(query, CaseRules::Default, Equivalence::Canonical).findAll(text))
+            found.push_back(std::to_string(range.begin) + " " + std::string(range.in(text)));
+        return found;
+    };
+    EXPECT_EQ(matches("strasse", "Straße, STRASSE"), (std::vector<std::string>{"0 Straße", "9 STRASSE"}));
+    EXPECT_EQ(matches("aa", "aaaaa"), (std::vector<std::string>{"0 aa", "2 aa"}));
+    EXPECT_EQ(matches("\u00E9", "e\u0301 e \u00C9"), (std::vector<std::string>{"0 e\u0301", "6 \u00C9"}));
+    EXPECT_TRUE(matches("b", "aaaaa").empty());
+    EXPECT_TRUE(matches("", "aaaaa").empty());
 }
 
 TEST(TextMatcher, findsNothingForAnEmptyQueryOrInAnEmptyText) {
