@@ -19,6 +19,8 @@ class EventLoopTimer : public Timer {
 public:
     explicit EventLoopTimer(std::function<void()> action) {
         m_timer.setSingleShot(true);
+        // The others may come a twentieth of the delay too early.
+        m_timer.setTimerType(Qt::PreciseTimer);
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(action));
     }
 

@@ -5,7 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace diary {
 namespace {
@@ -43,6 +48,30 @@ TEST(SystemClock, firesATimerOnceAndNotBeforeItsTime) {
     later->start(120ms);
     ASSERT_TRUE(QTest::qWaitFor([&] { return laterFired; }));
     EXPECT_EQ(fired, 1);
+}
+
+TEST(SystemClock, firesNoTimerEarlyToFireSeveralTogether) {
+    using SteadyClock = std::chrono::steady_clock;
+    struct Run {
+        std::chrono::milliseconds delay;
+        std::unique_ptr<Timer> timer;
+        SteadyClock::time_point start;
+        std::optional<SteadyClock::duration> elapsed;
+    };
+    SystemClock clock;
+    std::vector<Run> runs(20);
+    for (std::size_t index = 0; index < runs.size(); ++index) {
+        auto &run = runs[index];
+        run.delay = std::chrono::milliseconds(200 + index);
+        run.timer = clock.makeTimer([&run] { run.elapsed = SteadyClock::now() - run.start; });
+        run.start = SteadyClock::now();
+        run.timer->start(run.delay);
+    }
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return std::all_of(runs.begin(), runs.end(), [](auto &run) { return run.elapsed; }); }));
+    // Qt's milliseconds are whole ones.
+    for (const auto &run : runs)
+        EXPECT_GE(*run.elapsed, run.delay - 1ms) << run.delay.count();
 }
 
 TEST(SystemClock, forgetsThePendingRunOfATimerThatIsStartedAgainStoppedOrDestroyed) {
