@@ -74,6 +74,8 @@ void runDebugScenario(AppDelegate &delegate) {
 
     auto *mainWindow = delegate.mainWindowController();
     showRequestedEntry(mainWindow->session());
+    if (isSwitchedOn("DIARY_VIEW_SEARCH"))
+        mainWindow->showSearch();
     if (isSwitchedOn("DIARY_FULLSCREEN"))
         mainWindow->window()->setWindowState(mainWindow->window()->windowState() ^ Qt::WindowFullScreen);
     if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView())

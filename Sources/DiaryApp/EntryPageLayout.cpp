@@ -14,6 +14,11 @@ int bottomOf(const QRect &rect) {
     return rect.y() + rect.height();
 }
 
+int columnWidth(int pageWidth) {
+    return std::clamp(pageWidth - 2 * EntryPageLayout::sideMargin, EntryPageLayout::contentInset + 1,
+                      EntryPageLayout::widestColumn);
+}
+
 QRect centredOn(const QRect &row, int x, QSize size) {
     return {QPoint(x, row.y() + (row.height() - size.height()) / 2), size};
 }
@@ -47,10 +52,13 @@ int placeBlock(EntryPageLayout &page, const EntryPageMetrics &metrics, int width
 
 } // namespace
 
+int entryContentWidth(int pageWidth) {
+    return columnWidth(pageWidth) - EntryPageLayout::contentInset;
+}
+
 EntryPageLayout layoutEntryPage(const EntryPageMetrics &metrics, int pageWidth) {
     EntryPageLayout page;
-    const int width = std::clamp(pageWidth - 2 * EntryPageLayout::sideMargin,
-                                 EntryPageLayout::contentInset + 1, EntryPageLayout::widestColumn);
+    const int width = columnWidth(pageWidth);
     placeHeader(page, metrics, width);
     int bottom = 0;
     if (metrics.source) {

@@ -197,6 +197,10 @@ void EntryView::showEditor(const Model::Block::Editor &editor, const QString &ye
         m_placeholderLabel = GrowingTextView::make(fontSize, Theme::placeholder(), m_column);
         m_placeholderLabel->setObjectName(QStringLiteral("placeholderLabel"));
         m_placeholderLabel->setInert(true);
+        // As wide as they will be, so that their texts are laid out once.
+        const int contentWidth = entryContentWidth(width());
+        m_textView->resize(contentWidth, m_textView->height());
+        m_placeholderLabel->resize(contentWidth, m_placeholderLabel->height());
     }
     m_textView->setText(editor.draft);
     m_textView->setAccessibleName(year);
@@ -272,8 +276,9 @@ EntryPageMetrics EntryView::metrics() const {
 void EntryView::layOut() {
     if (!m_isSource && !m_textView && !m_note)
         return;
-    const auto page = layoutEntryPage(metrics(), m_scrollView->width());
-    m_documentView->resize(m_scrollView->width(), std::max(page.pageHeight, m_scrollView->height()));
+    m_scrollView->setGeometry(rect());
+    const auto page = layoutEntryPage(metrics(), width());
+    m_documentView->resize(width(), std::max(page.pageHeight, height()));
     m_column->setGeometry(page.column);
     m_fileName->setGeometry(page.fileName);
     m_ordinal->setGeometry(page.ordinal);
@@ -296,7 +301,6 @@ void EntryView::layOut() {
 }
 
 void EntryView::resizeEvent(QResizeEvent *event) {
-    m_scrollView->setGeometry(rect());
     layOut();
     QWidget::resizeEvent(event);
 }

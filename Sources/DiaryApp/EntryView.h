@@ -69,6 +69,9 @@ struct EntryPageLayout {
     QRect gapLine;
 };
 
+// The width of the entry's text on a page.
+int entryContentWidth(int pageWidth);
+
 EntryPageLayout layoutEntryPage(const EntryPageMetrics &metrics, int pageWidth);
 
 // The page of one day: its title, one year's entry with the year in the gutter, and a note on the years

@@ -8,6 +8,7 @@
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/SearchWindowController.h>
 #include <DiaryApp/SidebarView.h>
 #include <DiaryApp/StatusBarView.h>
 #include <DiaryApp/TodayButton.h>
@@ -124,6 +125,7 @@ void MainWindowController::wireCallbacks() {
     m_sidebar->gridView()->onSelectDay = [this](std::int64_t day) {
         m_session->open({m_session->currentMonthDay().month, day});
     };
+    m_sidebar->onShowSearch = [this] { showSearch(); };
     m_sidebar->onShowSettings = m_programActions.showSettings;
     m_entryView->onDraftChanged = [this](const QString &text) { m_session->draftChanged(text); };
     m_entryView->onPreviousDay = [this] { m_session->step(-1); };
@@ -137,6 +139,7 @@ void MainWindowController::buildMenu(MenuActions actions) {
     actions.close = [window] { window->close(); };
     actions.save = [this] { m_session->flushSaveIfDirty(); };
     actions.showInFileManager = [this] { showInFileManager(); };
+    actions.showSearch = [this] { showSearch(); };
     actions.toggleSource = [this] { m_session->toggleSourceView(); };
     actions.goToPreviousDay = [this] { m_session->step(-1); };
     actions.goToNextDay = [this] { m_session->step(1); };
@@ -148,6 +151,9 @@ void MainWindowController::buildMenu(MenuActions actions) {
     window->setMenuBar(menuBar);
     // The measures are of the content view; the menu bar comes on top.
     window->resize(initialContentSize + QSize(0, menuBar->sizeHint().height()));
+    // Known before the window is shown, so that the first texts are laid out once, at their size.
+    m_contentView->resize(initialContentSize);
+    m_contentView->onLayout(layoutMainWindow(initialContentSize));
 }
 
 void MainWindowController::connectSession() {
@@ -186,6 +192,23 @@ void MainWindowController::showInFileManager() {
     const auto file = m_store->fileURL(m_session->currentMonthDay());
     std::error_code error;
     m_fileManager.reveal(std::filesystem::exists(file, error) ? file : m_store->rootURL());
+}
+
+void MainWindowController::showSearch() {
+    if (!m_searchController) {
+        m_searchController = std::make_unique<SearchWindowController>(*m_store, m_clock);
+        m_searchController->onPick = [this](MonthDay monthDay, std::int64_t year) {
+            m_session->open(monthDay);
+            m_session->pickYear(year);
+            bringToFront();
+        };
+    }
+    m_searchController->runSearch();
+    m_searchController->present();
+    if (qEnvironmentVariableIsSet("DIARY_SEARCH_QUERY")) {
+        m_searchController->setQuery(qEnvironmentVariable("DIARY_SEARCH_QUERY"));
+        m_searchController->runSearch();
+    }
 }
 
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {

@@ -23,6 +23,7 @@ namespace diary {
 class EntryView;
 class FileManager;
 class GrowingTextView;
+class SearchWindowController;
 class SidebarView;
 class StatusBarView;
 class TopBarView;
@@ -78,6 +79,9 @@ public:
     // The day's file, or the vault while there is none.
     void showInFileManager();
 
+    // With what DIARY_SEARCH_QUERY holds, for demonstrations, else as it was left.
+    void showSearch();
+
     // A notice in the status bar, for some seconds.
     void flash(const QString &notice);
 
@@ -124,6 +128,7 @@ private:
         UnderWayAndAgain,
     };
     StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
+    std::unique_ptr<SearchWindowController> m_searchController; // made when it is first wanted
     DayChange m_dayChange;
     // Last, so that its thread has ended before anything else goes.
     std::unique_ptr<VaultObserver> m_vaultObserver;
