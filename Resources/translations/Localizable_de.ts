@@ -439,6 +439,11 @@
         <translation>Suchergebnisse</translation>
     </message>
     <message>
+        <source>Entries found: %d</source>
+        <extracomment>%d is the number of entries that a search found. Read out by screen readers; never seen.</extracomment>
+        <translation>Gefundene Einträge: %d</translation>
+    </message>
+    <message>
         <source>General</source>
         <extracomment>Title of a card, shown in capitals.</extracomment>
         <translation>Allgemein</translation>

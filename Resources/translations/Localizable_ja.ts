@@ -439,6 +439,11 @@
         <translation>検索結果</translation>
     </message>
     <message>
+        <source>Entries found: %d</source>
+        <extracomment>%d is the number of entries that a search found. Read out by screen readers; never seen.</extracomment>
+        <translation>見つかった日記：%d件</translation>
+    </message>
+    <message>
         <source>General</source>
         <extracomment>Title of a card, shown in capitals.</extracomment>
         <translation>一般</translation>

@@ -439,6 +439,11 @@
         <translation>검색 결과</translation>
     </message>
     <message>
+        <source>Entries found: %d</source>
+        <extracomment>%d is the number of entries that a search found. Read out by screen readers; never seen.</extracomment>
+        <translation>찾은 일기: %d개</translation>
+    </message>
+    <message>
         <source>General</source>
         <extracomment>Title of a card, shown in capitals.</extracomment>
         <translation>일반</translation>

@@ -439,6 +439,11 @@
         <translation>搜索结果</translation>
     </message>
     <message>
+        <source>Entries found: %d</source>
+        <extracomment>%d is the number of entries that a search found. Read out by screen readers; never seen.</extracomment>
+        <translation>找到的日记：%d 篇</translation>
+    </message>
+    <message>
         <source>General</source>
         <extracomment>Title of a card, shown in capitals.</extracomment>
         <translation>通用</translation>

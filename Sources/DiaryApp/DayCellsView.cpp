@@ -6,7 +6,6 @@
 #include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -14,14 +13,15 @@ namespace diary {
 
 namespace {
 
-// One day of a view. Tells what the view shows now, and is not valid while the month has no such day.
+// One day of a view, which outlives it. Tells what the view shows now, and is not valid while the month has
+// no such day.
 class AccessibleDayCell : public QAccessibleInterface, public QAccessibleActionInterface {
 public:
     AccessibleDayCell(DayCellsView *view, int day) : m_view(view), m_day(day) {}
 
-    bool isValid() const override { return m_view && m_day <= m_view->dayCount(); }
+    bool isValid() const override { return m_day <= m_view->dayCount(); }
     QObject *object() const override { return nullptr; }
-    QWindow *window() const override { return isValid() ? parent()->window() : nullptr; }
+    QWindow *window() const override { return parent()->window(); }
     QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(m_view); }
     QAccessibleInterface *child(int) const override { return nullptr; }
     QAccessibleInterface *childAt(int, int) const override { return nullptr; }
@@ -80,7 +80,7 @@ public:
     QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
 private:
-    QPointer<DayCellsView> m_view;
+    DayCellsView *m_view;
     int m_day;
 };
 
@@ -133,20 +133,24 @@ QAccessibleInterface *makeAccessible(const QString &className, QObject *object) 
     return new AccessibleDayCells(static_cast<DayCellsView *>(object));
 }
 
-// None when nobody asks.
-QAccessibleInterface *accessibleCell(DayCellsView *view, int day) {
-    if (!QAccessible::isActive())
-        return nullptr;
-    auto *interface = QAccessible::queryAccessibleInterface(view);
-    return interface ? interface->child(day - 1) : nullptr;
-}
-
-void announce(DayCellsView *view, int day, QAccessible::Event type) {
-    if (auto *cell = accessibleCell(view, day)) {
-        QAccessibleEvent event(cell, type);
-        QAccessible::updateAccessibility(&event);
+// Whether there is an assistive technology; without one no changes are looked for.
+class Listener : public QAccessible::ActivationObserver {
+public:
+    static bool isThere() {
+        static Listener listener;
+        return listener.m_isThere;
     }
-}
+
+    Listener(const Listener &) = delete;
+    Listener &operator=(const Listener &) = delete;
+    ~Listener() override { QAccessible::removeActivationObserver(this); }
+
+private:
+    Listener() { QAccessible::installActivationObserver(this); }
+    void accessibilityActiveChanged(bool active) override { m_isThere = active; }
+
+    bool m_isThere = QAccessible::isActive();
+};
 
 // As a rectangle on a screen: a point on the far edges is outside.
 bool holds(const QRectF &rect, const QPointF &point) {
@@ -159,6 +163,7 @@ bool holds(const QRectF &rect, const QPointF &point) {
 DayCellsView::DayCellsView(QWidget *parent) : QWidget(parent) {
     [[maybe_unused]] static const bool isInstalled = [] {
         QAccessible::installFactory(makeAccessible);
+        Listener::isThere();
         return true;
     }();
     setFocusPolicy(Qt::TabFocus);
@@ -248,42 +253,55 @@ void DayCellsView::focusOutEvent(QFocusEvent *) {
     update();
 }
 
-std::vector<DayCellsView::CellState> DayCellsView::cellStates(int newDayCount) const {
+void DayCellsView::announce(int day, QAccessible::Event type) {
+    auto *accessible = QAccessible::queryAccessibleInterface(this);
+    auto *cell = accessible ? accessible->child(day - 1) : nullptr;
+    if (!cell)
+        return;
+    if (type == QAccessible::StateChanged) {
+        QAccessible::State changed;
+        changed.selected = true;
+        QAccessibleStateChangeEvent event(cell, changed);
+        QAccessible::updateAccessibility(&event);
+    } else {
+        QAccessibleEvent event(cell, type);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+std::vector<DayCellsView::CellState> DayCellsView::beginChange(int newDayCount) {
     std::vector<CellState> states;
-    if (!QAccessible::isActive())
+    if (!Listener::isThere())
         return states;
     const int count = dayCount();
     // Said while they are still there.
     for (int day = newDayCount + 1; day <= count; ++day)
-        announce(const_cast<DayCellsView *>(this), day, QAccessible::ObjectDestroyed);
+        announce(day, QAccessible::ObjectDestroyed);
     for (int day = 1; day <= count; ++day)
         states.push_back({cellName(day), isSelected(day)});
     return states;
 }
 
-void DayCellsView::announceChanges(const std::vector<CellState> &before) {
-    if (!QAccessible::isActive() || before.empty())
+void DayCellsView::endChange(const std::vector<CellState> &before) {
+    if (!Listener::isThere() || before.empty())
         return;
     const int countBefore = static_cast<int>(before.size());
     for (int day = 1; day <= dayCount(); ++day) {
         if (day > countBefore) {
-            announce(this, day, QAccessible::ObjectCreated);
+            announce(day, QAccessible::ObjectCreated);
             continue;
         }
         const auto &old = before[static_cast<std::size_t>(day - 1)];
         if (old.name != cellName(day))
-            announce(this, day, QAccessible::NameChanged);
-        if (old.isSelected != isSelected(day)) {
-            QAccessible::State changed;
-            changed.selected = true;
-            QAccessibleStateChangeEvent event(accessibleCell(this, day), changed);
-            QAccessible::updateAccessibility(&event);
-        }
+            announce(day, QAccessible::NameChanged);
+        if (old.isSelected != isSelected(day))
+            announce(day, QAccessible::StateChanged);
     }
 }
 
 void DayCellsView::announceFocus() {
-    announce(this, m_cursorDay, QAccessible::Focus);
+    if (Listener::isThere())
+        announce(m_cursorDay, QAccessible::Focus);
 }
 
 } // namespace diary

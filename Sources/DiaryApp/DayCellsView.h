@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QAccessible>
 #include <QRectF>
 #include <QString>
 #include <QWidget>
@@ -49,10 +50,13 @@ protected:
     // For assistive technologies, around a change of what the cells show: `change` brings it about.
     template <typename Change>
     void changeCells(int newDayCount, Change change) {
-        const auto before = cellStates(newDayCount);
+        const auto before = beginChange(newDayCount);
         change();
-        announceChanges(before);
+        endChange(before);
     }
+
+    // Tells assistive technologies of a day, when there are any.
+    virtual void announce(int day, QAccessible::Event type);
 
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -64,8 +68,8 @@ private:
         QString name;
         bool isSelected;
     };
-    std::vector<CellState> cellStates(int newDayCount) const;
-    void announceChanges(const std::vector<CellState> &before);
+    std::vector<CellState> beginChange(int newDayCount);
+    void endChange(const std::vector<CellState> &before);
     void announceFocus();
     void walk(Qt::Key key, int by);
 

@@ -41,8 +41,8 @@ DayGridLayout layoutDayGrid(int dayCount, int leadingBlanks, double width, Qt::L
     for (int column = 0; column < columns; ++column)
         layout.weekdays.emplace_back(left(column), 0, columnWidth, DayGridLayout::headerHeight);
     for (int index = leadingBlanks; index < leadingBlanks + dayCount; ++index) {
-        const double top = DayGridLayout::headerHeight + DayGridLayout::headerGap +
-                           (index / columns) * (DayGridLayout::cellHeight + DayGridLayout::gap);
+        const int top = DayGridLayout::headerHeight + DayGridLayout::headerGap +
+                        (index / columns) * (DayGridLayout::cellHeight + DayGridLayout::gap);
         layout.days.emplace_back(left(index % columns), top, columnWidth, DayGridLayout::cellHeight);
     }
     return layout;

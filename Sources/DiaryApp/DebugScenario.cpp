@@ -61,7 +61,9 @@ void takePictures(AppDelegate &delegate, const QString &path) {
     if (auto *controller = delegate.mainWindowController())
         takePicture(controller->contentView(), path);
     for (auto *window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && window->windowType() == Qt::Dialog)
+        const bool isPanel =
+            window->windowType() == Qt::Dialog || window->objectName() == QLatin1String("DiarySearchWindow");
+        if (window->isVisible() && isPanel)
             takePicture(window, path + QStringLiteral(".panel.png"));
     }
 }
@@ -78,6 +80,8 @@ void runDebugScenario(AppDelegate &delegate) {
         mainWindow->showSearch();
     if (isSwitchedOn("DIARY_FULLSCREEN"))
         mainWindow->window()->setWindowState(mainWindow->window()->windowState() ^ Qt::WindowFullScreen);
+    if (isSwitchedOn("DIARY_VIEW_YEARCAL"))
+        mainWindow->showYearOverview();
     if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView())
         mainWindow->textView()->textCursor().insertText(qEnvironmentVariable("DIARY_TYPE_TEXT"));
 

@@ -5,6 +5,7 @@
 #include <DiaryApp/DayModels.h>
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/FileManager.h>
+#include <DiaryApp/Formatters.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
@@ -13,6 +14,7 @@
 #include <DiaryApp/StatusBarView.h>
 #include <DiaryApp/TodayButton.h>
 #include <DiaryApp/TopBarView.h>
+#include <DiaryApp/YearOverviewController.h>
 #include <DiaryApp/YearRailView.h>
 
 #include <QApplication>
@@ -126,6 +128,7 @@ void MainWindowController::wireCallbacks() {
         m_session->open({m_session->currentMonthDay().month, day});
     };
     m_sidebar->onShowSearch = [this] { showSearch(); };
+    m_sidebar->onShowYearOverview = [this] { showYearOverview(); };
     m_sidebar->onShowSettings = m_programActions.showSettings;
     m_entryView->onDraftChanged = [this](const QString &text) { m_session->draftChanged(text); };
     m_entryView->onPreviousDay = [this] { m_session->step(-1); };
@@ -145,6 +148,7 @@ void MainWindowController::buildMenu(MenuActions actions) {
     actions.goToNextDay = [this] { m_session->step(1); };
     actions.goToToday = [this] { m_session->openToday(); };
     actions.goToRandomDay = [this] { goToRandomDay(); };
+    actions.showYearOverview = [this] { showYearOverview(); };
     actions.minimize = [window] { window->showMinimized(); };
     actions.zoom = [window] { window->isMaximized() ? window->showNormal() : window->showMaximized(); };
     auto *menuBar = MainMenuBuilder::build(std::move(actions), window);
@@ -209,6 +213,17 @@ void MainWindowController::showSearch() {
         m_searchController->setQuery(qEnvironmentVariable("DIARY_SEARCH_QUERY"));
         m_searchController->runSearch();
     }
+}
+
+void MainWindowController::showYearOverview() {
+    if (!m_yearOverviewController) {
+        m_yearOverviewController = std::make_unique<YearOverviewController>(m_window.get());
+        m_yearOverviewController->onPick = [this](MonthDay monthDay) {
+            m_session->open(monthDay);
+            bringToFront();
+        };
+    }
+    m_yearOverviewController->present(*m_store, Formatters::context(), m_session->currentMonthDay());
 }
 
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {

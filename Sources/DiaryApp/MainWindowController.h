@@ -27,6 +27,7 @@ class SearchWindowController;
 class SidebarView;
 class StatusBarView;
 class TopBarView;
+class YearOverviewController;
 class YearRailView;
 
 // Where the five views stand in the content view.
@@ -82,6 +83,8 @@ public:
     // With what DIARY_SEARCH_QUERY holds, for demonstrations, else as it was left.
     void showSearch();
 
+    void showYearOverview();
+
     // A notice in the status bar, for some seconds.
     void flash(const QString &notice);
 
@@ -129,6 +132,7 @@ private:
     };
     StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
     std::unique_ptr<SearchWindowController> m_searchController; // made when it is first wanted
+    std::unique_ptr<YearOverviewController> m_yearOverviewController; // likewise
     DayChange m_dayChange;
     // Last, so that its thread has ended before anything else goes.
     std::unique_ptr<VaultObserver> m_vaultObserver;

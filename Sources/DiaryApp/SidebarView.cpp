@@ -9,18 +9,26 @@
 #include <DiaryApp/TodayButton.h>
 
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QVBoxLayout>
+#include <QStyle>
+
+#include <algorithm>
 
 namespace diary {
 
 namespace {
 
-constexpr int preferredWidth = 236;
-constexpr int sideInset = 18;
+constexpr int headerTop = 22;
+constexpr int gridTop = 18; // this and the next: below the part above
+constexpr int todayTop = 22;
+constexpr int dividerTop = 20;
+constexpr int statisticsTop = 18;
 constexpr int statisticsSpacing = 9;
+constexpr int labelGap = 8;
+constexpr int iconsBottom = 12;
+constexpr int iconsTop = 10;
+constexpr QSize monthPadding{12, 4};
 constexpr double monthTitleSize = 14;
 constexpr double monthTitleSpacing = 1.96;
 constexpr int buttonRadius = 5;
@@ -49,48 +57,71 @@ QFont monthTitleFont() {
     return font;
 }
 
-QWidget *makeDivider() {
-    auto *divider = new QWidget;
-    divider->setFixedHeight(1);
-    divider->setAutoFillBackground(true);
-    auto palette = divider->palette();
-    palette.setColor(QPalette::Window, Theme::border());
-    divider->setPalette(palette);
-    return divider;
-}
-
 } // namespace
 
+SidebarLayout layoutSidebar(const SidebarMetrics &metrics, QSize sidebar) {
+    constexpr int left = SidebarLayout::sideInset;
+    const int right = sidebar.width() - SidebarLayout::sideInset; // the first pixel outside
+    const int room = std::max(0, right - left);
+    SidebarLayout layout;
+
+    const int headerHeight =
+        std::max({metrics.previousMonth.height(), metrics.monthButton.height(), metrics.nextMonth.height()});
+    const auto inHeader = [headerHeight](int x, QSize size) {
+        return QRect(QPoint(x, headerTop + (headerHeight - size.height()) / 2), size);
+    };
+    layout.previousMonth = inHeader(left, metrics.previousMonth);
+    layout.nextMonth = inHeader(right - metrics.nextMonth.width(), metrics.nextMonth);
+    const int arrowWidth = std::max(metrics.previousMonth.width(), metrics.nextMonth.width());
+    const QSize month(std::clamp(room - 2 * arrowWidth, 0, metrics.monthButton.width()),
+                      metrics.monthButton.height());
+    layout.monthButton = inHeader(left + (room - month.width()) / 2, month);
+
+    layout.grid = QRect(left, headerTop + headerHeight + gridTop, room, metrics.gridHeight);
+    layout.today = QRect(left, layout.grid.y() + layout.grid.height() + todayTop, room, metrics.todayHeight);
+    layout.upperDivider = QRect(left, layout.today.y() + layout.today.height() + dividerTop, room, 1);
+
+    int y = layout.upperDivider.y() + 1 + statisticsTop;
+    for (std::size_t row = 0; row < layout.statLabels.size(); ++row) {
+        const auto label = metrics.statLabels.at(row);
+        const auto value = metrics.statValues.at(row);
+        const int labelWidth = std::clamp(room - labelGap - value.width(), 0, label.width());
+        layout.statLabels.at(row) = QRect(left, y, labelWidth, label.height());
+        layout.statValues.at(row) = QRect(right - value.width(), y + (label.height() - value.height()) / 2,
+                                          value.width(), value.height());
+        y += label.height() + statisticsSpacing;
+    }
+    layout.minimumHeight = y + 1 + iconsTop + metrics.icon.height() + iconsBottom;
+
+    const int iconY = std::max(sidebar.height(), layout.minimumHeight) - iconsBottom - metrics.icon.height();
+    layout.lowerDivider = QRect(left, iconY - iconsTop - 1, room, 1);
+    for (std::size_t index = 0; index < layout.icons.size(); ++index) {
+        const int place = static_cast<int>(index);
+        layout.icons.at(index) =
+            QRect(QPoint(left + place * (room - metrics.icon.width()) / 2, iconY), metrics.icon);
+    }
+    layout.edge = QRect(sidebar.width() - 1, 0, 1, sidebar.height());
+    return layout;
+}
+
 SidebarView::SidebarView(QWidget *parent) : QWidget(parent) {
-    auto *header = buildMonthHeader();
-    m_gridView = new DayGridView;
+    // In the order in which Tab goes.
+    buildMonthHeader();
+    m_gridView = new DayGridView(this);
     m_gridView->setObjectName(QStringLiteral("gridView"));
     m_gridView->onStepMonth = [this](int by) {
         forwarding(by < 0 ? &SidebarView::onPreviousMonth : &SidebarView::onNextMonth)();
     };
-    m_todayButton = new TodayButton;
+    m_todayButton = new TodayButton(this);
     m_todayButton->setObjectName(QStringLiteral("todayButton"));
-
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(sideInset, 22, sideInset, 12);
-    layout->setSpacing(0);
-    layout->addWidget(header);
-    layout->addSpacing(18);
-    layout->addWidget(m_gridView);
-    layout->addSpacing(22);
-    layout->addWidget(m_todayButton);
-    layout->addSpacing(20);
-    layout->addWidget(makeDivider());
-    layout->addSpacing(18);
-    m_statDaysValue = addStatistic(layout, L("Days written"), QStringLiteral("statDaysValue"));
-    layout->addSpacing(statisticsSpacing);
-    m_statEarliestValue = addStatistic(layout, L("Earliest year"), QStringLiteral("statEarliestValue"));
-    layout->addSpacing(statisticsSpacing);
-    m_statFilesValue = addStatistic(layout, L("Total files"), QStringLiteral("statFilesValue"));
-    layout->addStretch(1);
-    layout->addWidget(makeDivider());
-    layout->addSpacing(10);
-    layout->addWidget(buildIconBar());
+    m_statistics = {makeStatistic(L("Days written"), "statDaysValue"),
+                    makeStatistic(L("Earliest year"), "statEarliestValue"),
+                    makeStatistic(L("Total files"), "statFilesValue")};
+    m_icons = {makeIcon("searchButton", "magnifyingglass", L("Find"), &SidebarView::onShowSearch),
+               makeIcon("yearOverviewButton", "square.grid.3x3", L("Year Calendar"),
+                        &SidebarView::onShowYearOverview),
+               makeIcon("settingsButton", "gearshape", L("Settings"), &SidebarView::onShowSettings)};
+    layOut();
 }
 
 // Calls what is set at that time, which may destroy the sidebar.
@@ -101,89 +132,51 @@ std::function<void()> SidebarView::forwarding(Intent intent) {
     };
 }
 
-QWidget *SidebarView::buildMonthHeader() {
+void SidebarView::buildMonthHeader() {
     const ChromeButton::Style arrowStyle{.font = Theme::system(14),
                                          .normalColor = Theme::chevron(),
                                          .hoverColor = Theme::chevron(),
                                          .horizontalPadding = 14,
                                          .verticalPadding = 6};
     // From right to left they are drawn the other way round, as any brackets.
-    const auto makeArrow = [&](const QString &text, const char *name, const QString &label) {
-        auto *arrow = new ChromeButton(text, arrowStyle);
+    const auto makeArrow = [&](const QString &text, const char *name, const QString &label, Intent intent) {
+        auto *arrow = new ChromeButton(text, arrowStyle, this);
         arrow->setObjectName(QLatin1String(name));
         arrow->setAccessibleName(label);
         arrow->setToolTip(label);
+        arrow->onClick = forwarding(intent);
         return arrow;
     };
-    m_previousMonth = makeArrow(QStringLiteral("‹"), "previousMonth", L("Previous Month"));
-    m_previousMonth->onClick = forwarding(&SidebarView::onPreviousMonth);
-    m_nextMonth = makeArrow(QStringLiteral("›"), "nextMonth", L("Next Month"));
-    m_nextMonth->onClick = forwarding(&SidebarView::onNextMonth);
-
-    m_monthLabel = new ElidedLabel(monthTitleFont(), Theme::inkTitle(), Qt::ElideRight);
-    m_monthLabel->setObjectName(QStringLiteral("monthLabel"));
-    m_monthLabel->setMinimumWidth(1);
-    m_monthLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_monthButton = new MonthButton;
+    m_previousMonth =
+        makeArrow(QStringLiteral("‹"), "previousMonth", L("Previous Month"), &SidebarView::onPreviousMonth);
+    m_monthButton = new MonthButton(this);
     m_monthButton->setObjectName(QStringLiteral("monthButton"));
     m_monthButton->setToolTip(L("Year Calendar"));
     m_monthButton->onClick = forwarding(&SidebarView::onShowYearOverview);
-    auto *inside = new QHBoxLayout(m_monthButton);
-    inside->setContentsMargins(6, 2, 6, 2);
-    inside->addWidget(m_monthLabel);
-
-    auto *header = new QWidget;
-    auto *layout = new QHBoxLayout(header);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_previousMonth);
-    layout->addStretch(1);
-    layout->addWidget(m_monthButton);
-    layout->addStretch(1);
-    layout->addWidget(m_nextMonth);
-    return header;
+    m_monthLabel = new ElidedLabel(monthTitleFont(), Theme::inkTitle(), Qt::ElideRight, m_monthButton);
+    m_monthLabel->setObjectName(QStringLiteral("monthLabel"));
+    m_monthLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_nextMonth = makeArrow(QStringLiteral("›"), "nextMonth", L("Next Month"), &SidebarView::onNextMonth);
 }
 
-QLabel *SidebarView::addStatistic(QVBoxLayout *layout, const QString &label, const QString &valueName) {
-    auto *name = new ElidedLabel(Theme::system(11.5), Theme::statLabel(), Qt::ElideRight);
-    name->setText(label);
-    // The label gives way, the value never does.
-    name->setMinimumWidth(1);
-    auto *value = new QLabel;
-    value->setObjectName(valueName);
-    value->setTextFormat(Qt::PlainText);
-    value->setFont(Theme::mono(11.5));
-    auto palette = value->palette();
+SidebarView::Statistic SidebarView::makeStatistic(const QString &label, const char *valueName) {
+    Statistic statistic{new ElidedLabel(Theme::system(11.5), Theme::statLabel(), Qt::ElideRight, this),
+                        new QLabel(this)};
+    statistic.label->setText(label);
+    statistic.value->setObjectName(QLatin1String(valueName));
+    statistic.value->setTextFormat(Qt::PlainText);
+    statistic.value->setFont(Theme::mono(11.5));
+    auto palette = statistic.value->palette();
     palette.setColor(QPalette::WindowText, Theme::inkMed());
-    value->setPalette(palette);
-    value->setFixedHeight(name->sizeHint().height());
-
-    auto *row = new QHBoxLayout;
-    row->setSpacing(8);
-    row->addWidget(name);
-    row->addStretch(1);
-    row->addWidget(value);
-    layout->addLayout(row);
-    return value;
+    statistic.value->setPalette(palette);
+    return statistic;
 }
 
-QWidget *SidebarView::buildIconBar() {
-    auto *bar = new QWidget;
-    auto *layout = new QHBoxLayout(bar);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    const auto addIcon = [&](const char *name, const char *symbol, const QString &label, Intent intent) {
-        if (layout->count() > 0)
-            layout->addStretch(1);
-        auto *button = new IconButton(QLatin1String(symbol), label);
-        button->setObjectName(QLatin1String(name));
-        button->onClick = forwarding(intent);
-        layout->addWidget(button);
-    };
-    addIcon("searchButton", "magnifyingglass", L("Find"), &SidebarView::onShowSearch);
-    addIcon("yearOverviewButton", "square.grid.3x3", L("Year Calendar"), &SidebarView::onShowYearOverview);
-    addIcon("settingsButton", "gearshape", L("Settings"), &SidebarView::onShowSettings);
-    return bar;
+IconButton *SidebarView::makeIcon(const char *name, const char *symbol, const QString &label, Intent intent) {
+    auto *button = new IconButton(QLatin1String(symbol), label, this);
+    button->setObjectName(QLatin1String(name));
+    button->onClick = forwarding(intent);
+    return button;
 }
 
 void SidebarView::update(const Model &model) {
@@ -200,24 +193,84 @@ void SidebarView::update(const Model &model) {
 
     m_todayButton->update({.title = L("Back to Today"), .dateText = model.todayText});
 
-    const auto unknown = QStringLiteral("…");
-    const auto &overview = model.overview;
-    m_statDaysValue->setText(overview ? QString::number(overview->daysWithContent) + QStringLiteral(" / 365")
-                                      : unknown);
-    m_statEarliestValue->setText(!overview                ? unknown
-                                 : overview->earliestYear ? QString::number(*overview->earliestYear)
-                                                          : QStringLiteral("—"));
-    m_statFilesValue->setText(overview ? QString::number(overview->fileCount) : unknown);
+    std::array<QString, 3> values;
+    values.fill(QStringLiteral("…"));
+    if (const auto &overview = model.overview)
+        values = {QString::number(overview->daysWithContent) + QStringLiteral(" / 365"),
+                  overview->earliestYear ? QString::number(*overview->earliestYear) : QStringLiteral("—"),
+                  QString::number(overview->fileCount)};
+    for (std::size_t row = 0; row < values.size(); ++row)
+        m_statistics.at(row).value->setText(values.at(row));
+    layOut();
 }
 
 QSize SidebarView::sizeHint() const {
-    return {preferredWidth, QWidget::sizeHint().height()};
+    return minimumSizeHint();
+}
+
+QSize SidebarView::minimumSizeHint() const {
+    return {SidebarLayout::width, currentLayout().minimumHeight};
+}
+
+void SidebarView::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange)
+        layOut();
 }
 
 void SidebarView::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.fillRect(rect(), Theme::panel());
-    painter.fillRect(isRightToLeft() ? 0 : width() - 1, 0, 1, height(), Theme::border());
+    const auto layout = currentLayout();
+    for (const auto &line : {layout.upperDivider, layout.lowerDivider, layout.edge})
+        painter.fillRect(mirrored(line), Theme::border());
+}
+
+void SidebarView::resizeEvent(QResizeEvent *) {
+    layOut();
+}
+
+SidebarLayout SidebarView::currentLayout() const {
+    SidebarMetrics metrics{.previousMonth = m_previousMonth->sizeHint(),
+                           .monthButton = m_monthLabel->sizeHint() + monthPadding,
+                           .nextMonth = m_nextMonth->sizeHint(),
+                           .gridHeight = m_gridView->sizeHint().height(),
+                           .todayHeight = m_todayButton->sizeHint().height(),
+                           .statLabels = {},
+                           .statValues = {},
+                           .icon = m_icons.front()->sizeHint()};
+    for (std::size_t row = 0; row < m_statistics.size(); ++row) {
+        metrics.statLabels.at(row) = m_statistics.at(row).label->sizeHint();
+        metrics.statValues.at(row) = m_statistics.at(row).value->sizeHint();
+    }
+    return layoutSidebar(metrics, size());
+}
+
+QRect SidebarView::mirrored(const QRect &rectangle) const {
+    return QStyle::visualRect(layoutDirection(), rect(), rectangle);
+}
+
+void SidebarView::layOut() {
+    const auto layout = currentLayout();
+    const auto place = [this](QWidget *part, const QRect &rectangle) {
+        part->setGeometry(mirrored(rectangle));
+    };
+    place(m_previousMonth, layout.previousMonth);
+    place(m_monthButton, layout.monthButton);
+    place(m_nextMonth, layout.nextMonth);
+    place(m_gridView, layout.grid);
+    place(m_todayButton, layout.today);
+    for (std::size_t row = 0; row < m_statistics.size(); ++row) {
+        place(m_statistics.at(row).label, layout.statLabels.at(row));
+        place(m_statistics.at(row).value, layout.statValues.at(row));
+    }
+    for (std::size_t index = 0; index < m_icons.size(); ++index)
+        place(m_icons.at(index), layout.icons.at(index));
+    m_monthLabel->setGeometry(
+        m_monthButton->rect().adjusted(monthPadding.width() / 2, monthPadding.height() / 2,
+                                       -monthPadding.width() / 2, -monthPadding.height() / 2));
+    m_monthButton->recheckPointer();
+    update();
 }
 
 } // namespace diary
