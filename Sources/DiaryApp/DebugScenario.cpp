@@ -58,6 +58,10 @@ void takePicture(QWidget *view, const QString &path) {
 }
 
 void takePictures(AppDelegate &delegate, const QString &path) {
+    // A window in the background shows no caret; without a screen every window counts as active.
+    auto *focused = QApplication::focusWidget();
+    if (focused && !qEnvironmentVariableIsSet("DIARY_ACTIVATE"))
+        focused->clearFocus();
     if (auto *controller = delegate.mainWindowController())
         takePicture(controller->contentView(), path);
     for (auto *window : QApplication::topLevelWidgets()) {

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "Support/XServer.h"
 
+#include "Support/AccessibilityBus.h"
 #include "Support/ChildProcess.h"
 #include "Support/RunProgram.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaitUntil.h"
 
 #include <DiaryKit/DiaryDay.h>
+
+#include <QImage>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,6 +20,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 
 namespace diary {
@@ -28,32 +32,41 @@ using testing::waitUntil;
 // Without strict checks of strings: libxkbcommon copies parts of buffers that no zero ends.
 constexpr const char *sanitizerOptions = "detect_stack_use_after_return=1:strict_string_checks=0";
 
-// The program on a screen, with real keys.
+// The program on a screen, with real keys, and looked at as a screen reader does.
 class XServerTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!testing::XServer::isInstalled())
             GTEST_SKIP() << "Xvfb, openbox or xdotool is not installed";
+        if (!testing::AccessibilityBus::isInstalled())
+            GTEST_SKIP() << "the accessibility services are not installed";
         server = std::make_unique<testing::XServer>();
+        bus = std::make_unique<testing::AccessibilityBus>(server->display());
+    }
+
+    std::map<std::string, std::string> environment() const {
+        auto variables = bus->environment();
+        variables.insert({{"QT_QPA_PLATFORM", "xcb"},
+                          {"ASAN_OPTIONS", sanitizerOptions},
+                          {"XDG_STATE_HOME", folder / "state"},
+                          {"XDG_CONFIG_HOME", folder / "config"},
+                          {"DIARY_ROOT", folder / "v"}});
+        return variables;
     }
 
     // Started, in front, and with the keyboard.
     void startProgram() {
         program = std::make_unique<testing::ChildProcess>(
-            std::vector<std::string>{testing::builtProgram("TAVELO_TEST_TAVELO")},
-            std::map<std::string, std::string>{{"DISPLAY", server->display()},
-                                               {"QT_QPA_PLATFORM", "xcb"},
-                                               {"ASAN_OPTIONS", sanitizerOptions},
-                                               {"XDG_STATE_HOME", folder / "state"},
-                                               {"DIARY_ROOT", folder / "v"}});
+            std::vector<std::string>{testing::builtProgram("TAVELO_TEST_TAVELO")}, environment());
         ASSERT_TRUE(waitUntil([this] { return windows() == 1 || !program->isRunning(); }));
         ASSERT_TRUE(program->isRunning()) << program->errors();
-        const auto focused = [this] {
-            const auto name = server->xdotool({"getwindowfocus", "getwindowname"});
-            return name && name->starts_with(today.fileName());
-        };
-        ASSERT_TRUE(waitUntil(focused))
-            << server->xdotool({"getwindowfocus", "getwindowname"}).value_or("none");
+        ASSERT_TRUE(waitUntil([this] { return focusedWindow().starts_with(today.fileName()); }))
+            << focusedWindow();
+    }
+
+    // Its title.
+    std::string focusedWindow() const {
+        return server->xdotool({"getwindowfocus", "getwindowname"}).value_or("none");
     }
 
     // How many windows of the program are shown, pop-ups too.
@@ -63,10 +76,29 @@ protected:
     }
 
     void type(const std::string &text) const {
-        ASSERT_TRUE(server->xdotool({"type", "--delay", "3", text}).has_value()) << text;
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            if (!line.empty()) {
+                ASSERT_TRUE(server->xdotool({"type", "--delay", "3", "--", line}).has_value()) << line;
+            }
+            if (!lines.eof())
+                press("Return");
+        }
     }
-    void press(const std::string &keys) const {
-        ASSERT_TRUE(server->xdotool({"key", keys}).has_value()) << keys;
+    void press(const std::string &keys, int times = 1) const {
+        ASSERT_TRUE(
+            server->xdotool({"key", "--delay", "3", "--repeat", std::to_string(times), keys}).has_value())
+            << keys;
+    }
+
+    // The entry's text as assistive technologies have it.
+    std::string shownText(const std::string &ofYear) const {
+        return bus->text("text", ofYear).value_or("(no such text)");
+    }
+    // Whether something is on the screen whose name begins so.
+    bool isShown(const std::string &role, const std::string &name) const {
+        const auto tree = bus->tree().value_or("");
+        return tree.find("\t" + role + "\t" + name) != std::string::npos;
     }
 
     // Keys travel in their order: once the menu is shown, everything typed before has arrived.
@@ -89,11 +121,15 @@ protected:
                folder.read(std::filesystem::path("v") / today.fileName()) == text;
     }
     std::string file() const { return folder.read(std::filesystem::path("v") / today.fileName()); }
+    void writeFile(const std::string &sections) {
+        folder.write(std::filesystem::path("v") / today.fileName(), dayFile(sections));
+    }
 
     testing::TemporaryFolder folder;
     const MonthDay today = DiaryDay::today().monthDay();
     const std::string year = std::to_string(DiaryDay::today().year);
     std::unique_ptr<testing::XServer> server;
+    std::unique_ptr<testing::AccessibilityBus> bus;
     std::unique_ptr<testing::ChildProcess> program;
 };
 
@@ -104,10 +140,11 @@ TEST_F(XServerTest, losesNoLetterOfTwoYearsWhenItIsTerminatedInMidWord) {
     const auto thisYear = "\n\n## " + year + "\n\nThe first sentence, typed here.\n";
     EXPECT_TRUE(waitUntil([&] { return fileIs(dayFile("## 2019\n\nOld words" + thisYear)); })) << file();
 
-    // From the text to the button and on to the years; down to the older one, which gives the text the keys.
-    press("shift+Tab");
-    press("shift+Tab");
+    // From the text to the years, down to the older one, which gives the text the keys.
+    press("ctrl+Tab");
     press("Down");
+    press("Return");
+    ASSERT_TRUE(waitUntil([this] { return shownText("2019") == "Old words"; }));
     type(" and new ones.");
     EXPECT_TRUE(waitUntil([&] { return fileIs(dayFile("## 2019\n\nOld words and new ones." + thisYear)); }))
         << file();
@@ -163,6 +200,145 @@ TEST_F(XServerTest, rescuesAndEndsWhenItIsTerminatedWithAnAlertOnTheScreen) {
     program->sendSignal(SIGTERM);
     EXPECT_EQ(program->waitForExit(), 0) << program->errors();
     EXPECT_EQ(folder.read("state/tavelo/rescued/" + year + "-" + today.fileName()), "Rescued");
+}
+
+TEST_F(XServerTest, showsAYearThatAnotherProgramAddsWithinASecondWhenItIsIdle) {
+    writeFile("## 2019\n\nOld words\n");
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    ASSERT_TRUE(waitUntil([this] { return isShown("push button", "2019"); }));
+    EXPECT_FALSE(isShown("push button", "2021"));
+    writeFile("## 2019\n\nOld words\n\n## 2021\n\nFrom elsewhere\n\n## " + year + "\n\nToo\n");
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(waitUntil([this] { return shownText(year) == "Too"; }));
+    // The debounce, and room for a machine that is slow with sanitizers and a screen reader.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    EXPECT_TRUE(isShown("push button", "2021"));
+}
+
+TEST_F(XServerTest, keepsWhatIsTypedAndWhatAnotherProgramAddsMeanwhile) {
+    writeFile("## 2019\n\nOld words\n");
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    type("Typed before");
+    writeFile("## 2019\n\nOld words\n\n## 2021\n\nFrom elsewhere\n");
+    type(" and after");
+    EXPECT_TRUE(waitUntil([&] {
+        return fileIs(dayFile("## 2019\n\nOld words\n\n## 2021\n\nFrom elsewhere\n\n## " + year +
+                              "\n\nTyped before and after\n"));
+    })) << file();
+    EXPECT_EQ(shownText(year), "Typed before and after");
+    EXPECT_TRUE(waitUntil([this] { return isShown("push button", "2021"); }));
+}
+
+TEST_F(XServerTest, typesSelectsUndoesAndRedoesAPage) {
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    const std::string page =
+        "# Morning\n\nFog until **ten**, then `sun` and *wind*.\n\n- bread\n- ~~milk~~\n\n"
+        "```\ncode **plain**\n```\n\n> quoted\n\n[link](https://example.org)\n";
+    type(page);
+    EXPECT_TRUE(waitUntil([&] { return shownText(year) == page; })) << shownText(year);
+
+    // A heading and the line below it, gone and back.
+    press("ctrl+Home");
+    press("shift+Down", 2);
+    const auto caret = bus->ask({"caret", "text", year}).value_or("");
+    EXPECT_NE(caret.find("(0, 11)"), std::string::npos) << caret;
+    press("Delete");
+    EXPECT_TRUE(waitUntil([&] { return shownText(year) == page.substr(11); })) << shownText(year);
+    press("ctrl+z", 200);
+    EXPECT_TRUE(waitUntil([&] { return shownText(year).empty(); })) << shownText(year);
+    press("ctrl+shift+z", 200);
+    EXPECT_TRUE(waitUntil([&] { return shownText(year) == page.substr(11); })) << shownText(year);
+    press("ctrl+z");
+    EXPECT_TRUE(waitUntil([&] { return shownText(year) == page; })) << shownText(year);
+    EXPECT_TRUE(waitUntil([&] { return fileIs(dayFile("## " + year + "\n\n" + page)); })) << file();
+}
+
+TEST_F(XServerTest, comesToTheFrontWhenItIsLaunchedAgain) {
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    ASSERT_TRUE(server->xdotool({"getactivewindow", "windowminimize", "--sync"}).has_value());
+    ASSERT_TRUE(waitUntil([this] { return windows() == 0; }));
+    testing::ChildProcess again({testing::builtProgram("TAVELO_TEST_TAVELO")}, environment());
+    EXPECT_EQ(again.waitForExit(), 0) << again.errors();
+    EXPECT_TRUE(waitUntil([this] { return focusedWindow().starts_with(today.fileName()); }));
+    EXPECT_EQ(windows(), 1);
+}
+
+TEST_F(XServerTest, takesTheSamePictureAsOffScreenTwice) {
+    writeFile("## 2019\n\nOld **words** 你好\n\n## " + year + "\n\n# Now\n");
+    const auto pictureOn = [this](const char *platform) {
+        auto variables = environment();
+        variables["QT_QPA_PLATFORM"] = platform;
+        variables["DIARY_SCREENSHOT"] = folder / "a.png";
+        variables["DIARY_SCREENSHOT_DELAY"] = "0.5";
+        testing::ChildProcess run({testing::builtProgram("TAVELO_TEST_TAVELO")}, variables);
+        EXPECT_EQ(run.waitForExit(), 0) << run.errors();
+        return QImage(QString::fromStdString(folder / "a.png")).convertToFormat(QImage::Format_RGB32);
+    };
+    const auto onScreen = pictureOn("xcb");
+    EXPECT_EQ(onScreen.size(), QSize(1360, 840));
+    EXPECT_EQ(pictureOn("xcb"), onScreen);
+    EXPECT_EQ(pictureOn("offscreen"), onScreen);
+}
+
+TEST_F(XServerTest, reachesAnyDayByKeyboardAlone) {
+    folder.write("v/07-04.md", "# 07-04\n\n## 2009\n\nA heron by the weir\n");
+    folder.write("v/02-29.md", "# 02-29\n\n## 2024\n\nLeap\n");
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    const auto findAndOpen = [this](const std::string &word, const std::string &entry) {
+        press("ctrl+f");
+        ASSERT_TRUE(waitUntil([this] { return windows() == 2; }));
+        type(word);
+        ASSERT_TRUE(waitUntil([&] { return bus->tree().value_or("").find(entry) != std::string::npos; }));
+        press("Down");
+        press("Return");
+        ASSERT_TRUE(waitUntil([this] { return windows() == 1; }));
+    };
+    findAndOpen("heron", "A heron by the weir");
+    EXPECT_TRUE(waitUntil([this] { return shownText("2009") == "A heron by the weir"; }));
+    EXPECT_TRUE(waitUntil([this] { return focusedWindow().starts_with("07-04.md"); })) << focusedWindow();
+
+    press("ctrl+r");
+    EXPECT_TRUE(waitUntil([this] {
+        const auto title = focusedWindow();
+        return title.starts_with("07-04.md") || title.starts_with("02-29.md");
+    }));
+
+    findAndOpen("leap", "Leap");
+    ASSERT_TRUE(waitUntil([this] { return focusedWindow().starts_with("02-29.md"); })) << focusedWindow();
+    press("alt+Right");
+    ASSERT_TRUE(waitUntil([this] { return focusedWindow().starts_with("03-01.md"); })) << focusedWindow();
+    // The overview starts on the day that is shown; the day before it is the leap day.
+    press("ctrl+y");
+    ASSERT_TRUE(waitUntil([this] { return windows() == 2; }));
+    press("Left");
+    press("Return");
+    EXPECT_TRUE(waitUntil([this] { return focusedWindow().starts_with("02-29.md"); })) << focusedWindow();
+    press("ctrl+t");
+    EXPECT_TRUE(waitUntil([this] { return focusedWindow().starts_with(today.fileName()); }));
+}
+
+TEST_F(XServerTest, followsADayThatIsPressedOverTheAccessibilityBus) {
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    const auto tree = bus->tree().value_or("");
+    // Some other day of the month than today.
+    const std::string day = today.day == 15 ? " 16" : " 15";
+    std::istringstream lines(tree);
+    std::string name;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream fields(line);
+        std::string depth;
+        std::string role;
+        std::string candidate;
+        std::getline(fields, depth, '\t');
+        std::getline(fields, role, '\t');
+        std::getline(fields, candidate, '\t');
+        if (role == "push button" && candidate.find(day) != std::string::npos)
+            name = candidate;
+    }
+    ASSERT_FALSE(name.empty()) << tree;
+    EXPECT_TRUE(bus->press("push button", name)) << name;
+    const auto title = MonthDay{today.month, day == " 15" ? 15 : 16}.fileName();
+    EXPECT_TRUE(waitUntil([&] { return focusedWindow().starts_with(title); })) << focusedWindow();
 }
 
 } // namespace
