@@ -84,16 +84,6 @@
         <translation>Einfügen</translation>
     </message>
     <message>
-        <source>Paste as Plain Text</source>
-        <extracomment>Menu entry: pastes the words without fonts and colours. Room: a menu entry.</extracomment>
-        <translation>Als reinen Text einfügen</translation>
-    </message>
-    <message>
-        <source>Delete</source>
-        <extracomment>Menu entry: removes the selected text. Room: a menu entry.</extracomment>
-        <translation>Löschen</translation>
-    </message>
-    <message>
         <source>Select All</source>
         <extracomment>Menu entry. Room: a menu entry.</extracomment>
         <translation>Alles auswählen</translation>
@@ -179,11 +169,6 @@
         <translation>OK</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <extracomment>Button.</extracomment>
-        <translation>Abbrechen</translation>
-    </message>
-    <message>
         <source>Source</source>
         <extracomment>Button of the top bar that shows the day's whole file as Markdown text. Room: 120 px.</extracomment>
         <translation>Quelltext</translation>
@@ -244,11 +229,6 @@
         <translation>In diesem Jahr gibt es keinen 29. Februar.</translation>
     </message>
     <message>
-        <source>%d has no 29 February.</source>
-        <extracomment>Instead of the entry, on 29 February of a year that has none; %d is the year.</extracomment>
-        <translation>Im Jahr %d gibt es keinen 29. Februar.</translation>
-    </message>
-    <message>
         <source>The year %d cannot be written.</source>
         <extracomment>Instead of the entry, for a year that does not have four digits.</extracomment>
         <translation>Für das Jahr %d lässt sich nichts schreiben.</translation>
@@ -267,11 +247,6 @@
         <source>Write about this day in %d…</source>
         <extracomment>Invitation in an empty entry; %d is the year. Room: 560 px.</extracomment>
         <translation>Schreiben Sie über diesen Tag im Jahr %d&#xa0;…</translation>
-    </message>
-    <message>
-        <source>Entry of %d</source>
-        <extracomment>Name of the text field for a screen reader; %d is the year.</extracomment>
-        <translation>Eintrag von %d</translation>
     </message>
     <message>
         <source>GapLine</source>
@@ -347,11 +322,6 @@
         <source>Spanning %d years · earliest %d</source>
         <extracomment>Below the cards: from the earliest year with an entry to the current one, both counted, at least 2; then the earliest year. Room: wraps.</extracomment>
         <translation>Umfasst %d Jahre · frühestes %d</translation>
-    </message>
-    <message>
-        <source>Year</source>
-        <extracomment>Name of a choice of years for a screen reader.</extracomment>
-        <translation>Jahr</translation>
     </message>
     <message>
         <source>Previous Month</source>
@@ -637,11 +607,6 @@
         <source>This entry could not be saved. Tavelo keeps it and will try again.</source>
         <extracomment>Message, followed by the system's own words.</extracomment>
         <translation>Dieser Eintrag konnte nicht gespeichert werden. Tavelo bewahrt ihn auf und versucht es erneut.</translation>
-    </message>
-    <message>
-        <source>Text that could not be saved is in %@</source>
-        <extracomment>Title of a message at the start; %@ is a folder.</extracomment>
-        <translation>Text, der nicht gespeichert werden konnte, liegt in %@</translation>
     </message>
     <message>
         <source>Tavelo could not save this text to the diary when it was last closed. It is kept in this folder:</source>

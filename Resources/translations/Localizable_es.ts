@@ -84,16 +84,6 @@
         <translation>Pegar</translation>
     </message>
     <message>
-        <source>Paste as Plain Text</source>
-        <extracomment>Menu entry: pastes the words without fonts and colours. Room: a menu entry.</extracomment>
-        <translation>Pegar como texto sin formato</translation>
-    </message>
-    <message>
-        <source>Delete</source>
-        <extracomment>Menu entry: removes the selected text. Room: a menu entry.</extracomment>
-        <translation>Eliminar</translation>
-    </message>
-    <message>
         <source>Select All</source>
         <extracomment>Menu entry. Room: a menu entry.</extracomment>
         <translation>Seleccionar todo</translation>
@@ -179,11 +169,6 @@
         <translation>Aceptar</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <extracomment>Button.</extracomment>
-        <translation>Cancelar</translation>
-    </message>
-    <message>
         <source>Source</source>
         <extracomment>Button of the top bar that shows the day's whole file as Markdown text. Room: 120 px.</extracomment>
         <translation>Código</translation>
@@ -244,11 +229,6 @@
         <translation>Este año no tiene 29 de febrero.</translation>
     </message>
     <message>
-        <source>%d has no 29 February.</source>
-        <extracomment>Instead of the entry, on 29 February of a year that has none; %d is the year.</extracomment>
-        <translation>El año %d no tiene 29 de febrero.</translation>
-    </message>
-    <message>
         <source>The year %d cannot be written.</source>
         <extracomment>Instead of the entry, for a year that does not have four digits.</extracomment>
         <translation>No se puede escribir en el año %d.</translation>
@@ -267,11 +247,6 @@
         <source>Write about this day in %d…</source>
         <extracomment>Invitation in an empty entry; %d is the year. Room: 560 px.</extracomment>
         <translation>Escriba sobre este día de %d…</translation>
-    </message>
-    <message>
-        <source>Entry of %d</source>
-        <extracomment>Name of the text field for a screen reader; %d is the year.</extracomment>
-        <translation>Entrada de %d</translation>
     </message>
     <message>
         <source>GapLine</source>
@@ -347,11 +322,6 @@
         <source>Spanning %d years · earliest %d</source>
         <extracomment>Below the cards: from the earliest year with an entry to the current one, both counted, at least 2; then the earliest year. Room: wraps.</extracomment>
         <translation>Abarca %d años · desde %d</translation>
-    </message>
-    <message>
-        <source>Year</source>
-        <extracomment>Name of a choice of years for a screen reader.</extracomment>
-        <translation>Año</translation>
     </message>
     <message>
         <source>Previous Month</source>
@@ -637,11 +607,6 @@
         <source>This entry could not be saved. Tavelo keeps it and will try again.</source>
         <extracomment>Message, followed by the system's own words.</extracomment>
         <translation>No se pudo guardar esta entrada. Tavelo la conserva y volverá a intentarlo.</translation>
-    </message>
-    <message>
-        <source>Text that could not be saved is in %@</source>
-        <extracomment>Title of a message at the start; %@ is a folder.</extracomment>
-        <translation>El texto que no se pudo guardar está en %@</translation>
     </message>
     <message>
         <source>Tavelo could not save this text to the diary when it was last closed. It is kept in this folder:</source>

@@ -84,16 +84,6 @@
         <translation>粘贴</translation>
     </message>
     <message>
-        <source>Paste as Plain Text</source>
-        <extracomment>Menu entry: pastes the words without fonts and colours. Room: a menu entry.</extracomment>
-        <translation>粘贴为纯文本</translation>
-    </message>
-    <message>
-        <source>Delete</source>
-        <extracomment>Menu entry: removes the selected text. Room: a menu entry.</extracomment>
-        <translation>删除</translation>
-    </message>
-    <message>
         <source>Select All</source>
         <extracomment>Menu entry. Room: a menu entry.</extracomment>
         <translation>全选</translation>
@@ -179,11 +169,6 @@
         <translation>确定</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <extracomment>Button.</extracomment>
-        <translation>取消</translation>
-    </message>
-    <message>
         <source>Source</source>
         <extracomment>Button of the top bar that shows the day's whole file as Markdown text. Room: 120 px.</extracomment>
         <translation>源码</translation>
@@ -244,11 +229,6 @@
         <translation>今年没有 2 月 29 日。</translation>
     </message>
     <message>
-        <source>%d has no 29 February.</source>
-        <extracomment>Instead of the entry, on 29 February of a year that has none; %d is the year.</extracomment>
-        <translation>%d 年没有 2 月 29 日。</translation>
-    </message>
-    <message>
         <source>The year %d cannot be written.</source>
         <extracomment>Instead of the entry, for a year that does not have four digits.</extracomment>
         <translation>无法书写 %d 年的日记。</translation>
@@ -267,11 +247,6 @@
         <source>Write about this day in %d…</source>
         <extracomment>Invitation in an empty entry; %d is the year. Room: 560 px.</extracomment>
         <translation>写写 %d 年的这一天……</translation>
-    </message>
-    <message>
-        <source>Entry of %d</source>
-        <extracomment>Name of the text field for a screen reader; %d is the year.</extracomment>
-        <translation>%d 年的日记</translation>
     </message>
     <message>
         <source>GapLine</source>
@@ -347,11 +322,6 @@
         <source>Spanning %d years · earliest %d</source>
         <extracomment>Below the cards: from the earliest year with an entry to the current one, both counted, at least 2; then the earliest year. Room: wraps.</extracomment>
         <translation>跨越 %d 年 · 最早 %d 年</translation>
-    </message>
-    <message>
-        <source>Year</source>
-        <extracomment>Name of a choice of years for a screen reader.</extracomment>
-        <translation>年份</translation>
     </message>
     <message>
         <source>Previous Month</source>
@@ -637,11 +607,6 @@
         <source>This entry could not be saved. Tavelo keeps it and will try again.</source>
         <extracomment>Message, followed by the system's own words.</extracomment>
         <translation>无法保存这篇日记。Tavelo 会保留它，并稍后重试。</translation>
-    </message>
-    <message>
-        <source>Text that could not be saved is in %@</source>
-        <extracomment>Title of a message at the start; %@ is a folder.</extracomment>
-        <translation>未能保存的文字位于 %@</translation>
     </message>
     <message>
         <source>Tavelo could not save this text to the diary when it was last closed. It is kept in this folder:</source>

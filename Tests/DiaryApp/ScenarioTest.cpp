@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Support/ChildProcess.h"
+#include "Support/ForkedTask.h"
 #include "Support/RunProgram.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/WaitUntil.h"
@@ -11,11 +12,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <string>
+#include <system_error>
+
+#include <sys/mount.h>
 
 namespace diary {
 namespace {
@@ -193,6 +199,29 @@ TEST_F(ScenarioTest, fillsTheScreenWhenToldTo) {
     run({{"DIARY_FULLSCREEN", "true"}});
     EXPECT_EQ(picture().size(), QSize(1360, 840));
     EXPECT_NE(filled, QSize(1360, 840));
+}
+
+// A disk without room for one more byte, at the end of the program, in mounts of this test's own.
+TEST_F(ScenarioTest, rescuesFromAFullDiskAndSaysSoAtTheNextStart) {
+    constexpr const char *skipMark = "cannot mount: ";
+    folder.write("v/.keep", "");
+    const auto report = testing::reportOfFork([&]() -> std::string {
+        if (const auto why = testing::ownMounts(); !why.empty())
+            return skipMark + why;
+        if (::mount("tmpfs", (folder / "v").c_str(), "tmpfs", 0, "size=64k") < 0)
+            return skipMark + std::system_category().message(errno);
+        folder.write("v/03-14.md", fileWith("03-14", 2018, "Old"));
+        std::ofstream(folder / "v/filler") << std::string(60 * 1024, 'x') << std::flush;
+        run({{"DIARY_VIEW_DAY", "03-14"}, {"DIARY_VIEW_YEAR", "2019"}, {"DIARY_TYPE_TEXT", "No room"}});
+        return folder.read("v/03-14.md") == fileWith("03-14", 2018, "Old") ? "old file" : "another file";
+    });
+    if (report.starts_with(skipMark))
+        GTEST_SKIP() << report;
+    EXPECT_EQ(report, "old file");
+    EXPECT_EQ(folder.read("state/tavelo/rescued/2019-03-14.md"), "No room");
+    std::filesystem::remove(folder / "a.png.panel.png");
+    run({});
+    EXPECT_FALSE(QImage(QString::fromStdString(folder / "a.png.panel.png")).isNull());
 }
 
 class ScenarioSignalTest : public ScenarioTest, public ::testing::WithParamInterface<int> {
