@@ -10,8 +10,8 @@
 
 namespace diary::benchmarks {
 
-// Ends the process as soon as a window has been painted, so that the process's life is the time from its start
-// to what the user sees first.
+// Ends the process as soon as a window has been painted, so that the process's life is the time from its
+// start to what the user sees first.
 class ExitAfterFirstPaint : public QObject {
 public:
     ExitAfterFirstPaint() { qApp->installEventFilter(this); }

@@ -131,7 +131,7 @@ private:
         UnderWayAndAgain,
     };
     StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
-    std::unique_ptr<SearchWindowController> m_searchController; // made when it is first wanted
+    std::unique_ptr<SearchWindowController> m_searchController;       // made when it is first wanted
     std::unique_ptr<YearOverviewController> m_yearOverviewController; // likewise
     DayChange m_dayChange;
     // Last, so that its thread has ended before anything else goes.

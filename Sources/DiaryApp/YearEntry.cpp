@@ -12,6 +12,7 @@ namespace diary {
 namespace {
 
 constexpr qsizetype excerptLength = 46;
+constexpr qsizetype likelyExcerptUnits = 128;
 
 // Whether the code unit is a character of its own beside any other such unit, so that between two of them no
 // rules for grapheme clusters need to be asked. Most of what people write is of this kind.
@@ -70,16 +71,27 @@ qsizetype charCount(QStringView text) {
 QString excerpt(QStringView text) {
     QString line;
     qsizetype characters = 0;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text.data(), text.size());
-    qsizetype start = 0;
-    while (start < text.size() && characters < excerptLength) {
-        const auto end = finder.toNextBoundary();
-        // A carriage return and its line feed are one character.
-        line += isLineBreak(text[start]) ? QStringView(u" ") : text.sliced(start, end - start);
-        start = end;
-        ++characters;
+    // Finding boundaries costs the whole text it is given, of which only the beginning is wanted.
+    qsizetype known = std::min(text.size(), likelyExcerptUnits);
+    while (true) {
+        line.clear();
+        characters = 0;
+        qsizetype start = 0;
+        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text.data(), known);
+        while (start < known && characters < excerptLength) {
+            const auto end = finder.toNextBoundary();
+            // A carriage return and its line feed are one character.
+            line += isLineBreak(text[start]) ? QStringView(u" ") : text.sliced(start, end - start);
+            start = end;
+            ++characters;
+        }
+        if (known == text.size())
+            return start < text.size() ? line + QChar(0x2026) : line;
+        // The last character found may go on where the finder could not see.
+        if (start < known)
+            return line + QChar(0x2026);
+        known = std::min(text.size(), known * 2);
     }
-    return start < text.size() ? line + QChar(0x2026) : line;
 }
 
 std::vector<YearEntry> yearEntries(std::string_view dayFile) {
