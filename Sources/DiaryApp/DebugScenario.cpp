@@ -5,6 +5,7 @@
 #include <DiaryApp/MainWindowController.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QMainWindow>
 #include <QPixmap>
 #include <QTextCursor>
@@ -66,7 +67,7 @@ void takePictures(AppDelegate &delegate, const QString &path) {
         takePicture(controller->contentView(), path);
     for (auto *window : QApplication::topLevelWidgets()) {
         const bool isPanel =
-            window->windowType() == Qt::Dialog || window->objectName() == QLatin1String("DiarySearchWindow");
+            qobject_cast<QDialog *>(window) || window->objectName() == QLatin1String("DiarySearchWindow");
         if (window->isVisible() && isPanel)
             takePicture(window, path + QStringLiteral(".panel.png"));
     }

@@ -24,8 +24,11 @@ QRect centredOn(const QRect &row, int x, QSize size) {
 }
 
 void placeHeader(EntryPageLayout &page, const EntryPageMetrics &metrics, int width) {
-    page.fileName = {QPoint(0, 0), metrics.fileName};
-    page.ordinal = {QPoint(width - metrics.ordinal.width(), 0), metrics.ordinal};
+    // On one baseline, also where one of them has letters that stand higher.
+    const int baseline = std::max(metrics.fileNameBaseline, metrics.ordinalBaseline);
+    page.fileName = {QPoint(0, baseline - metrics.fileNameBaseline), metrics.fileName};
+    page.ordinal = {QPoint(width - metrics.ordinal.width(), baseline - metrics.ordinalBaseline),
+                    metrics.ordinal};
     page.rule = {0, bottomOf(page.fileName) + 10, width, 1};
 }
 

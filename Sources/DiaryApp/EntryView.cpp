@@ -250,7 +250,9 @@ EntryPageMetrics EntryView::metrics() const {
     };
     EntryPageMetrics metrics;
     metrics.fileName = m_fileName->sizeHint();
+    metrics.fileNameBaseline = qRound(m_fileName->firstBaseline());
     metrics.ordinal = m_ordinal->sizeHint();
+    metrics.ordinalBaseline = qRound(m_ordinal->firstBaseline());
     if (m_isSource) {
         metrics.source = heightOf(m_source);
         return metrics;

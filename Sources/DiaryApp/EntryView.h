@@ -27,7 +27,9 @@ struct EntryPageMetrics {
     using HeightForWidth = std::function<int(int width)>;
 
     QSize fileName;
+    int fileNameBaseline = 0;
     QSize ordinal;
+    int ordinalBaseline = 0;
 
     HeightForWidth source; // with it, nothing below counts
 

@@ -14,6 +14,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMainWindow>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
@@ -22,6 +23,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
@@ -175,6 +177,41 @@ TEST_F(RunningAppDelegateTest, savesWhenAnotherProgramComesToTheFront) {
     type("Saved");
     emit qApp->applicationStateChanged(Qt::ApplicationInactive);
     EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nSaved\n");
+}
+
+TEST_F(RunningAppDelegateTest, savesWhenTheDesktopLogsOut) {
+    start();
+    type("Saved");
+    // Only the desktop can make a session manager; nobody looks into this one.
+    alignas(std::max_align_t) std::array<char, 64> sessionManager{};
+    emit qApp->commitDataRequest(reinterpret_cast<QSessionManager &>(sessionManager));
+    EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nSaved\n");
+}
+
+TEST_F(RunningAppDelegateTest, speaksAnotherLanguageAtOnceWithTheTextSaved) {
+    const ScopedEnvironment language("DIARY_LANGUAGE", "de");
+    start();
+    delegate->mainWindowController()->session().open({5, 1});
+    type("Gesichert");
+    const auto menuTitles = [this] {
+        QStringList titles;
+        for (const auto *entry : delegate->mainWindowController()->window()->menuBar()->actions())
+            titles += entry->text().remove(QLatin1Char('&'));
+        return titles;
+    };
+    delegate->applyLanguageChange();
+    EXPECT_TRUE(menuTitles().contains(QStringLiteral("Bearbeiten")));
+    {
+        const ScopedEnvironment other("DIARY_LANGUAGE", "fr");
+        delegate->applyLanguageChange();
+    }
+    EXPECT_TRUE(menuTitles().contains(QStringLiteral("Édition")));
+    EXPECT_EQ(folder.read("vault/05-01.md"), "# 05-01\n\n## 2025\n\nGesichert\n");
+    EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{5, 1}));
+    {
+        const ScopedEnvironment english("DIARY_LANGUAGE", "en");
+        delegate->applyLanguageChange();
+    }
 }
 
 TEST_F(RunningAppDelegateTest, looksForChangesWhenItComesToTheFront) {

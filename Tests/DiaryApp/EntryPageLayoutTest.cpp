@@ -47,6 +47,16 @@ TEST(EntryPageLayout, placesTheHeader) {
     EXPECT_EQ(page.rule, QRect(0, 24, 668, 1));
 }
 
+TEST(EntryPageLayout, placesTheHeadersTextsOnOneBaseline) {
+    auto metrics = someMetrics();
+    metrics.fileNameBaseline = 11;
+    metrics.ordinalBaseline = 13;
+    const auto page = layoutEntryPage(metrics, 852);
+    EXPECT_EQ(page.fileName.y(), 2);
+    EXPECT_EQ(page.ordinal.y(), 0);
+    EXPECT_EQ(page.rule.y(), 2 + 14 + 10);
+}
+
 TEST(EntryPageLayout, placesTheTitleWithBothTextsOnOneBaseline) {
     const auto page = layoutEntryPage(someMetrics(), 852);
     EXPECT_EQ(page.dayKey, QRect(0, 25 + 44, 140, 60));

@@ -20,6 +20,7 @@
 #include <map>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include <sys/mount.h>
 
@@ -191,6 +192,43 @@ TEST_F(ScenarioTest, asksNoQuestionUnlessToldTo) {
     std::filesystem::create_directories(folder / "home/Nextcloud");
     run({});
     EXPECT_FALSE(std::filesystem::exists(folder / "a.png.panel.png"));
+}
+
+TEST_F(ScenarioTest, looksDifferentInEachLanguageAndTheSameTwice) {
+    folder.write("v/03-14.md", fileWith("03-14", 2019, "Old"));
+    const auto pictureIn = [this](const std::string &code) {
+        run({{"DIARY_VIEW_DAY", "03-14"}, {"DIARY_LANGUAGE", code}, {"DIARY_SCREENSHOT_DELAY", "0.4"}});
+        return picture();
+    };
+    std::vector<QImage> pictures;
+    for (const auto *code : {"en", "zh-Hans", "ja", "ko", "fr", "de", "es", "ru"}) {
+        const auto taken = pictureIn(code);
+        for (const auto &other : pictures)
+            EXPECT_NE(taken, other) << code;
+        pictures.push_back(taken);
+    }
+    EXPECT_EQ(pictureIn("ru"), pictures.back());
+    EXPECT_EQ(pictureIn("xx"), pictures.front());
+}
+
+TEST_F(ScenarioTest, showsTheSearchWindowAndTheOverviewOnlyWhenToldTo) {
+    folder.write("v/03-14.md", fileWith("03-14", 2019, "A heron"));
+    const auto panel = [this] { return QImage(QString::fromStdString(folder / "a.png.panel.png")); };
+    run({{"DIARY_VIEW_SEARCH", "true"}, {"DIARY_VIEW_YEARCAL", "1"}});
+    EXPECT_TRUE(panel().isNull());
+    run({{"DIARY_VIEW_SEARCH", "1"}, {"DIARY_SCREENSHOT_DELAY", "0.6"}});
+    const auto empty = panel();
+    ASSERT_FALSE(empty.isNull());
+    run({{"DIARY_VIEW_SEARCH", "1"}, {"DIARY_SEARCH_QUERY", "heron"}, {"DIARY_SCREENSHOT_DELAY", "0.6"}});
+    EXPECT_NE(panel(), empty);
+}
+
+TEST_F(ScenarioTest, showsTheFileAsItStands) {
+    folder.write("v/03-14.md", fileWith("03-14", 2019, "Old"));
+    run({{"DIARY_VIEW_DAY", "03-14"}, {"DIARY_VIEW_SOURCE", "true"}});
+    const auto page = picture();
+    run({{"DIARY_VIEW_DAY", "03-14"}, {"DIARY_VIEW_SOURCE", "1"}});
+    EXPECT_NE(picture(), page);
 }
 
 TEST_F(ScenarioTest, fillsTheScreenWhenToldTo) {
