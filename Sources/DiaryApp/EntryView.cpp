@@ -10,9 +10,15 @@
 #include <DiaryApp/Theme.h>
 #include <DiaryApp/ThemeLabel.h>
 
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QResizeEvent>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -75,9 +81,27 @@ private:
     EntryView *m_view;
 };
 
+// With the keyboard it scrolls to its ends, too.
+class EntryView::Page : public QScrollArea {
+public:
+    using QScrollArea::QScrollArea;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->matches(QKeySequence::MoveToStartOfLine) ||
+            event->matches(QKeySequence::MoveToStartOfDocument))
+            verticalScrollBar()->triggerAction(QScrollBar::SliderToMinimum);
+        else if (event->matches(QKeySequence::MoveToEndOfLine) ||
+                 event->matches(QKeySequence::MoveToEndOfDocument))
+            verticalScrollBar()->triggerAction(QScrollBar::SliderToMaximum);
+        else
+            QScrollArea::keyPressEvent(event);
+    }
+};
+
 EntryView::EntryView(QWidget *parent)
     : QWidget(parent),
-      m_scrollView(new QScrollArea(this)),
+      m_scrollView(new Page(this)),
       m_documentView(new QWidget(this)),
       m_column(new Column(this, m_documentView)) {
     setBackground(this, Theme::paper());
@@ -142,6 +166,8 @@ void EntryView::update(const Model &model) {
         removeContent();
     else
         showBlock(model.block);
+    // A click on the paper must not take the keyboard away from the editor.
+    m_scrollView->setFocusPolicy(m_textView ? Qt::NoFocus : Qt::StrongFocus);
     layOut();
 }
 
@@ -192,7 +218,11 @@ void EntryView::showEditor(const Model::Block::Editor &editor, const QString &ye
         m_textView->setObjectName(QStringLiteral("textView"));
         m_textView->setHighlighter(
             std::make_unique<MarkdownHighlighter>(font, editor.textColor, m_textView->document()));
-        m_textView->onTextChanged = [this](const QString &text) { draftChanged(text); };
+        m_textView->onTextChanged = [this](const QString &text) {
+            if (onDraftChanged)
+                onDraftChanged(text);
+        };
+        connect(m_textView, &QTextEdit::textChanged, this, &EntryView::showPlaceholder);
         m_textView->onCaretMoved = [this](const QRect &caret) { keepCaretVisible(caret); };
         m_placeholderLabel = GrowingTextView::make(fontSize, Theme::placeholder(), m_column);
         m_placeholderLabel->setObjectName(QStringLiteral("placeholderLabel"));
@@ -207,16 +237,17 @@ void EntryView::showEditor(const Model::Block::Editor &editor, const QString &ye
     m_textView->setAccessibleDescription(editor.placeholder);
     m_placeholderLabel->setText(editor.placeholder);
     m_textView->show();
-    m_placeholderLabel->setVisible(editor.draft.isEmpty());
     m_placeholderLabel->raise();
+    showPlaceholder();
     if (hadKeyboard && !goesOn)
         m_textView->setFocus();
 }
 
-void EntryView::draftChanged(const QString &text) {
-    m_placeholderLabel->setVisible(text.isEmpty());
-    if (onDraftChanged)
-        onDraftChanged(text);
+// Not below a text that is only being composed, either.
+void EntryView::showPlaceholder() {
+    const auto *composing = m_textView->document()->begin().layout();
+    m_placeholderLabel->setVisible(m_textView->document()->isEmpty() &&
+                                   composing->preeditAreaText().isEmpty());
 }
 
 void EntryView::startEntry() {
@@ -240,7 +271,9 @@ void EntryView::keepCaretVisible(const QRect &caret) {
     // The page has to have grown before it can be scrolled.
     layOut();
     const QRect onPage(m_textView->mapTo(m_documentView, caret.topLeft()), caret.size());
-    const int margin = m_textView->fixedLineHeight();
+    // What is clicked must not move away below the pointer.
+    const bool isByMouse = QGuiApplication::mouseButtons() != Qt::NoButton;
+    const int margin = isByMouse ? 0 : m_textView->fixedLineHeight();
     m_scrollView->ensureVisible(onPage.center().x(), onPage.center().y(), 0, onPage.height() / 2 + margin);
 }
 
@@ -257,6 +290,9 @@ EntryPageMetrics EntryView::metrics() const {
         metrics.source = heightOf(m_source);
         return metrics;
     }
+    // A label's baseline is that at its present size.
+    m_dayKey->resize(m_dayKey->sizeHint());
+    m_weekday->resize(m_weekday->sizeHint());
     metrics.dayKey = m_dayKey->sizeHint();
     metrics.dayKeyBaseline = qRound(m_dayKey->firstBaseline());
     metrics.weekday = m_weekday->sizeHint();
@@ -300,6 +336,19 @@ void EntryView::layOut() {
         m_textView->setGeometry(page.content);
         m_placeholderLabel->setGeometry(page.content);
     }
+}
+
+// The paper below the text counts as its last line.
+void EntryView::mousePressEvent(QMouseEvent *event) {
+    const QPoint point = m_textView ? m_textView->mapFrom(this, event->pos()) : QPoint();
+    const bool isBelow =
+        m_textView && point.y() >= m_textView->height() && point.x() >= 0 && point.x() < m_textView->width();
+    if (!isBelow || event->button() != Qt::LeftButton) {
+        QWidget::mousePressEvent(event);
+        return;
+    }
+    m_textView->setFocus(Qt::MouseFocusReason);
+    m_textView->moveCursor(QTextCursor::End);
 }
 
 void EntryView::resizeEvent(QResizeEvent *event) {

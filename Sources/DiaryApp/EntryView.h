@@ -143,15 +143,17 @@ public:
     GrowingTextView *placeholderLabel() const { return m_placeholderLabel; }
 
 protected:
+    void mousePressEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     class Column;
+    class Page;
 
     void removeContent();
     void showBlock(const Model::Block &block);
     void showEditor(const Model::Block::Editor &editor, const QString &year);
-    void draftChanged(const QString &text);
+    void showPlaceholder();
     void keepCaretVisible(const QRect &caret);
     EntryPageMetrics metrics() const;
     void layOut();

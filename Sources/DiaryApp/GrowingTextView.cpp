@@ -3,6 +3,8 @@
 #include <DiaryApp/RhythmLayoutManager.h>
 #include <DiaryApp/Theme.h>
 
+#include <QAccessibleWidget>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollBar>
@@ -24,9 +26,33 @@ constexpr double lineHeightPerFontSize = 2.05;
 constexpr int extraHeight = 4;
 constexpr int spacesPerTab = 4;
 
+// Of an inert view, which shows what another tells.
+class AccessibleNothing : public QAccessibleWidget {
+public:
+    explicit AccessibleNothing(QWidget *widget) : QAccessibleWidget(widget, QAccessible::NoRole) {}
+
+    int childCount() const override { return 0; }
+    QAccessibleInterface *child(int) const override { return nullptr; }
+    QString text(QAccessible::Text) const override { return {}; }
+    QAccessible::State state() const override {
+        QAccessible::State state;
+        state.invisible = true;
+        return state;
+    }
+};
+
+QAccessibleInterface *makeAccessible(const QString &, QObject *object) {
+    auto *view = qobject_cast<GrowingTextView *>(object);
+    return view && view->isInert() ? new AccessibleNothing(view) : nullptr;
+}
+
 } // namespace
 
 GrowingTextView *GrowingTextView::make(double fontSize, const QColor &textColor, QWidget *parent) {
+    [[maybe_unused]] static const bool isInstalled = [] {
+        QAccessible::installFactory(makeAccessible);
+        return true;
+    }();
     auto *view = new GrowingTextView(parent);
     view->m_layoutManager->setFixedLineHeight(std::round(fontSize * lineHeightPerFontSize));
     const auto font = Theme::serif(fontSize);
@@ -87,7 +113,7 @@ void GrowingTextView::setText(const QString &text) {
     auto cursor = textCursor();
     cursor.setPosition(std::min(caret, document()->characterCount() - 1));
     setTextCursor(cursor);
-    m_revision = document()->revision();
+    m_text = text;
 }
 
 QString GrowingTextView::text() const {
@@ -99,6 +125,8 @@ QString GrowingTextView::text() const {
 
 void GrowingTextView::setInert(bool isInert) {
     m_isInert = isInert;
+    if (isInert)
+        clearFocus();
     setReadOnly(isInert);
     setTextInteractionFlags(isInert ? Qt::NoTextInteraction : Qt::TextEditorInteraction);
     setFocusPolicy(isInert ? Qt::NoFocus : Qt::StrongFocus);
@@ -123,7 +151,7 @@ QSize GrowingTextView::sizeHint() const {
 }
 
 QRect GrowingTextView::caretRect() const {
-    return m_layoutManager->caretRect(textCursor().position()).toAlignedRect();
+    return m_layoutManager->caretRect(textCursor().position(), m_composedBeforeCaret).toAlignedRect();
 }
 
 QVariant GrowingTextView::inputMethodQuery(Qt::InputMethodQuery query) const {
@@ -146,14 +174,26 @@ bool GrowingTextView::event(QEvent *event) {
 
 void GrowingTextView::keyPressEvent(QKeyEvent *event) {
     const bool isPageKey = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool isTab = event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
     if (isPageKey && event->modifiers() == Qt::NoModifier)
         event->ignore(); // the page's
     else if (isTab && event->modifiers().testFlag(Qt::ControlModifier))
         QWidget::focusNextPrevChild(event->key() == Qt::Key_Tab &&
                                     !event->modifiers().testFlag(Qt::ShiftModifier));
+    else if (isReturn && event->modifiers().testFlag(Qt::ShiftModifier) && !isReadOnly())
+        textCursor().insertBlock(); // no line separator, at which other programs break no line
     else
         QTextEdit::keyPressEvent(event);
+}
+
+void GrowingTextView::inputMethodEvent(QInputMethodEvent *event) {
+    m_composedBeforeCaret = static_cast<int>(event->preeditString().size());
+    for (const auto &attribute : event->attributes()) {
+        if (attribute.type == QInputMethodEvent::Cursor)
+            m_composedBeforeCaret = attribute.start;
+    }
+    QTextEdit::inputMethodEvent(event);
 }
 
 void GrowingTextView::wheelEvent(QWheelEvent *event) {
@@ -201,10 +241,11 @@ void GrowingTextView::repaintAround(const QRectF &rect) {
 }
 
 void GrowingTextView::textDidChange() {
-    // Styling reports itself as a change, too.
-    if (std::exchange(m_revision, document()->revision()) == document()->revision() || !onTextChanged)
-        return;
-    onTextChanged(text());
+    // Styling and composing report themselves as changes, too.
+    const auto now = text();
+    if (std::exchange(m_text, now) != now && onTextChanged)
+        onTextChanged(now);
+    caretDidMove(); // or its line did
 }
 
 void GrowingTextView::caretDidMove() {

@@ -40,7 +40,8 @@ public:
     void setText(const QString &text);
     QString text() const;
 
-    // Neither pointer nor keyboard nor assistive technologies notice an inert view.
+    // Neither pointer nor keyboard nor assistive technologies notice an inert view; the latter only when it
+    // is inert before it has a text.
     bool isInert() const { return m_isInert; }
     void setInert(bool isInert);
 
@@ -62,6 +63,7 @@ protected:
 
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     bool focusNextPrevChild(bool next) override;
@@ -78,7 +80,8 @@ private:
 
     RhythmLayoutManager *m_layoutManager;
     bool m_isInert = false;
-    int m_revision = 0;
+    QString m_text; // as last told
+    int m_composedBeforeCaret = 0;
     int m_reportedHeight = -1;
 };
 

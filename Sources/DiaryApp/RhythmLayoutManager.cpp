@@ -2,6 +2,7 @@
 #include <DiaryApp/RhythmLayoutManager.h>
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainter>
 #include <QTextBlock>
 #include <QTextBlockUserData>
@@ -37,7 +38,10 @@ public:
 };
 
 RhythmLayoutManager::RhythmLayoutManager(QTextDocument *document) : QAbstractTextDocumentLayout(document) {
-    connect(document, &QTextDocument::contentsChange, this, [this] { m_isStale = true; });
+    connect(document, &QTextDocument::contentsChange, this, [this](int from, int, int added) {
+        m_isStale = true;
+        m_changedTextEnd = from + added;
+    });
 }
 
 void RhythmLayoutManager::setFixedLineHeight(double height) {
@@ -67,7 +71,9 @@ void RhythmLayoutManager::layOut(const QTextBlock &block) {
     auto *boxes = new BlockBoxes;
     auto *layout = block.layout();
     auto option = document()->defaultTextOption();
-    option.setTextDirection(block.textDirection());
+    const auto direction = block.textDirection();
+    option.setTextDirection(direction);
+    option.setAlignment(direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     layout->setTextOption(option);
     QFont lastFont = document()->defaultFont();
     QFontMetricsF metrics(lastFont, paintDevice());
@@ -118,13 +124,16 @@ void RhythmLayoutManager::layOutAll() {
 
 void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
     const double width = document()->pageSize().width();
-    const bool isAnotherWidth = width != m_width || document()->defaultFont() != m_font;
+    const double tabWidth = document()->defaultTextOption().tabStopDistance();
+    const bool isAnotherWidth =
+        width != m_width || document()->defaultFont() != m_font || tabWidth != m_tabWidth;
     // A resize says that everything changed, like a new text does; where the width is the same, nothing has.
     if (!m_isStale && !isAnotherWidth && from == 0 && oldLength == 0)
         return;
     m_isStale = false;
     m_width = width;
     m_font = document()->defaultFont();
+    m_tabWidth = tabWidth;
 
     QRectF dirty(0, 0, m_width, 1e9);
     if (isAnotherWidth || !document()->begin().userData()) {
@@ -132,7 +141,7 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
     } else {
         const auto first = document()->findBlock(from);
         // Also the paragraph behind a line break that was put in.
-        auto last = document()->findBlock(from + length);
+        auto last = document()->findBlock(std::max(from + length - 1, m_changedTextEnd));
         if (!last.isValid())
             last = document()->lastBlock();
         const auto previous = first.previous();
@@ -150,6 +159,7 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
             dirty.setBottom(y);
         placeFrom(end, y);
     }
+    m_changedTextEnd = -1;
 
     const QSizeF size(m_width, blockBoundingRect(document()->lastBlock()).bottom());
     if (size != m_size) {
@@ -200,7 +210,13 @@ int RhythmLayoutManager::hitTest(const QPointF &point, Qt::HitTestAccuracy accur
     // Below the last line is the end of the text.
     if (y > boxes.back().top + boxes.back().height)
         return block.position() + block.length() - 1;
-    return block.position() + line.xToCursor(point.x());
+    // What is being composed is no part of the text yet: all of it is the place where it will stand.
+    const int hit = line.xToCursor(point.x());
+    const int composed = block.layout()->preeditAreaPosition();
+    const int composedLength = static_cast<int>(block.layout()->preeditAreaText().size());
+    if (composedLength == 0 || hit <= composed)
+        return block.position() + hit;
+    return block.position() + std::max(composed, hit - composedLength);
 }
 
 QRectF RhythmLayoutManager::lineRect(int position) const {
@@ -213,12 +229,12 @@ QRectF RhythmLayoutManager::lineRect(int position) const {
     return {0, block.layout()->position().y() + box.top, m_width, box.height};
 }
 
-QRectF RhythmLayoutManager::caretRect(int position) const {
+QRectF RhythmLayoutManager::caretRect(int position, int composed) const {
     const auto block = document()->findBlock(position);
-    return block.isValid() ? caretRect(block, position - block.position()) : QRectF();
+    return block.isValid() ? caretRectIn(block, position - block.position() + composed) : QRectF();
 }
 
-QRectF RhythmLayoutManager::caretRect(const QTextBlock &block, int positionInBlock) const {
+QRectF RhythmLayoutManager::caretRectIn(const QTextBlock &block, int positionInBlock) const {
     const auto line = block.layout()->lineForTextPosition(positionInBlock);
     if (!line.isValid())
         return {};
@@ -248,13 +264,25 @@ void RhythmLayoutManager::drawSelections(QPainter *painter, const QTextBlock &bl
             const double y = layout->position().y() + box.top;
             if (context.clip.isValid() && (y > context.clip.bottom() || y + box.height < context.clip.top()))
                 continue;
-            // Character by character, since in text of both directions a selection is several pieces.
-            for (int at = std::max(start, line.textStart()); at < std::min(end, lineEnd); ++at) {
-                const double leading = line.cursorToX(at, QTextLine::Leading);
-                const double trailing = line.cursorToX(at, QTextLine::Trailing);
-                painter->fillRect(QRectF(QPointF(std::floor(std::min(leading, trailing)), y),
-                                         QPointF(std::ceil(std::max(leading, trailing)), y + box.height)),
-                                  m_selectionColor);
+            const auto fill = [&](double left, double right) {
+                painter->fillRect(
+                    QRectF(QPointF(std::floor(left), y), QPointF(std::ceil(right), y + box.height)),
+                    m_selectionColor);
+            };
+            // In text of both directions a selection is several pieces.
+            const int from = std::max(start, line.textStart());
+            const int to = std::min(end, lineEnd);
+            if (from < to) {
+                for (const auto &run : line.glyphRuns(from, to - from))
+                    fill(run.boundingRect().left(), run.boundingRect().right());
+            }
+            // Tabs have no glyphs.
+            for (int at = from; at < to; ++at) {
+                if (document()->characterAt(block.position() + at) != QLatin1Char('\t'))
+                    continue;
+                const double leading = line.cursorToX(at);
+                const double trailing = line.cursorToX(at + 1);
+                fill(std::min(leading, trailing), std::max(leading, trailing));
             }
             const bool isLastLine = index == layout->lineCount() - 1;
             if (isLastLine && start <= lineEnd && end > lineEnd) {
@@ -285,7 +313,7 @@ void RhythmLayoutManager::draw(QPainter *painter, const PaintContext &context) {
                         : block.position() + block.layout()->preeditAreaPosition() - (caret + 2);
         if (caret >= block.position() &&
             caret < block.position() + block.length() + block.layout()->preeditAreaText().size())
-            painter->fillRect(caretRect(block, caret - block.position()), m_caretColor);
+            painter->fillRect(caretRectIn(block, caret - block.position()), m_caretColor);
     }
 }
 

@@ -29,9 +29,9 @@ public:
     void setCaretColor(const QColor &color) { m_caretColor = color; }
     void setSelectionColor(const QColor &color) { m_selectionColor = color; }
 
-    // As high as the text beside it, in the middle of the line's box. The position may be that within a text
-    // that is being composed.
-    QRectF caretRect(int position) const;
+    // As high as the text beside it, in the middle of the line's box; behind so many characters of a text
+    // that is being composed there.
+    QRectF caretRect(int position, int composed = 0) const;
     // The box of the line that the position is in.
     QRectF lineRect(int position) const;
 
@@ -59,12 +59,14 @@ private:
     void placeFrom(const QTextBlock &block, double y);
     void layOutAll();
     void drawSelections(QPainter *painter, const QTextBlock &block, const PaintContext &context) const;
-    QRectF caretRect(const QTextBlock &block, int positionInBlock) const;
+    QRectF caretRectIn(const QTextBlock &block, int positionInBlock) const;
 
     double m_fixedLineHeight = 0;
     double m_width = -1;
     QFont m_font; // that the present layout was made with
+    double m_tabWidth = 0;
     bool m_isStale = true;
+    int m_changedTextEnd = -1; // where the new text ends, while a change is being told
     QSizeF m_size;
     QColor m_caretColor;
     QColor m_selectionColor;
