@@ -5,7 +5,9 @@
 #include "FastestTimes.h"
 
 #include <DiaryApp/EntryView.h>
+#include <DiaryApp/FileManager.h>
 #include <DiaryApp/GrowingTextView.h>
+#include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/MarkdownHighlighter.h>
 #include <DiaryApp/Theme.h>
 
@@ -17,7 +19,14 @@
 #include <QTextDocument>
 
 #include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -155,6 +164,37 @@ void sourceOfAMegabyte(benchmark::State &state) {
     }
 }
 
+// Two days whose files are a megabyte each: 500 years of 2,000 characters.
+void openingADayOfAMegabyte(benchmark::State &state) {
+    const auto folder = std::filesystem::temp_directory_path() / ("tavelo-bench-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    for (const auto *name : {"03-14", "03-15"}) {
+        std::ofstream file(folder / (std::string(name) + ".md"));
+        file << "# " << name << "\n";
+        for (int year = 1500; year < 2000; ++year)
+            file << "\n## " << year << "\n\n" << entryOf(usualEntry).toStdString() << "\n";
+    }
+    {
+        diary::SystemClock clock;
+        diary::DesktopFileManager fileManager;
+        diary::MainWindowController controller(std::make_unique<diary::DiaryStore>(folder), clock,
+                                               fileManager);
+        controller.showWindow();
+        QApplication::processEvents();
+        std::int64_t day = 14;
+        for (auto _ : state) {
+            day = 29 - day;
+            const auto start = std::chrono::steady_clock::now();
+            controller.session().open({3, day});
+            state.SetIterationTime(
+                std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+            QApplication::processEvents();
+        }
+    }
+    std::filesystem::remove_all(folder);
+}
+
+BENCHMARK(openingADayOfAMegabyte)->Unit(benchmark::kMillisecond)->UseManualTime();
 BENCHMARK(keystrokeOnThePage)->Unit(benchmark::kMillisecond)->UseManualTime();
 BENCHMARK(keystrokeInABareEditor)->Unit(benchmark::kMillisecond)->UseManualTime();
 BENCHMARK(keystrokeInALongEntry)->Unit(benchmark::kMillisecond)->UseManualTime();
@@ -181,6 +221,8 @@ int main(int argc, char *argv[]) {
     times.printRatio("the same, 100,000 characters / 2,000", "keystrokeInALongEntry", "keystrokeOnThePage",
                      "1.5");
     times.printShareOfAFrame("code fence above 100,000 characters, page / a frame", "fenceOnThePage", "1.0");
+    // 30 ms.
+    times.printShareOfAFrame("opening a day of a megabyte / a frame", "openingADayOfAMegabyte", "1.9");
     times.printShareOfAFrame("source of a megabyte shown / a frame", "sourceOfAMegabyte", "6.0");
     return 0;
 }

@@ -16,7 +16,7 @@ ChromeButton::ChromeButton(const QString &text, const Style &style, QWidget *par
     : HoverView(parent), m_style(style) {
     setFont(m_style.font);
     setText(text);
-    setFixedSize(sizeHint());
+    setFixedSize(ChromeButton::sizeHint());
 }
 
 void ChromeButton::setText(const QString &text) {
@@ -25,7 +25,7 @@ void ChromeButton::setText(const QString &text) {
     if (accessibleName() == m_text)
         setAccessibleName(text);
     m_text = text;
-    setFixedSize(sizeHint());
+    setFixedSize(ChromeButton::sizeHint());
     update();
 }
 

@@ -96,6 +96,7 @@ GrowingTextView::GrowingTextView(QWidget *parent)
         if (child->inherits("QWidgetTextControl"))
             connect(child, SIGNAL(updateRequest(QRectF)), this, SLOT(repaintAround(QRectF)));
     }
+    connect(document(), &QTextDocument::contentsChange, this, &GrowingTextView::takeIn);
     connect(this, &QTextEdit::textChanged, this, &GrowingTextView::textDidChange);
     connect(this, &QTextEdit::cursorPositionChanged, this, &GrowingTextView::caretDidMove);
 }
@@ -113,7 +114,7 @@ void GrowingTextView::setText(const QString &text) {
     auto cursor = textCursor();
     cursor.setPosition(std::min(caret, document()->characterCount() - 1));
     setTextCursor(cursor);
-    m_text = text;
+    m_isTextChanged = false;
 }
 
 QString GrowingTextView::text() const {
@@ -179,8 +180,7 @@ void GrowingTextView::keyPressEvent(QKeyEvent *event) {
     if (isPageKey && event->modifiers() == Qt::NoModifier)
         event->ignore(); // the page's
     else if (isTab && event->modifiers().testFlag(Qt::ControlModifier))
-        QWidget::focusNextPrevChild(event->key() == Qt::Key_Tab &&
-                                    !event->modifiers().testFlag(Qt::ShiftModifier));
+        moveFocus(event->key() == Qt::Key_Tab && !event->modifiers().testFlag(Qt::ShiftModifier));
     else if (isReturn && event->modifiers().testFlag(Qt::ShiftModifier) && !isReadOnly())
         textCursor().insertBlock(); // no line separator, at which other programs break no line
     else
@@ -205,9 +205,14 @@ void GrowingTextView::resizeEvent(QResizeEvent *event) {
     verticalScrollBar()->setRange(0, 0);
 }
 
+// As a widget that is no text does: the text edit would keep the keyboard.
+bool GrowingTextView::moveFocus(bool next) {
+    return QWidget::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
+}
+
 bool GrowingTextView::focusNextPrevChild(bool next) {
     // Tab is text here; Shift+Tab leads back, Ctrl+Tab on.
-    return !next && QWidget::focusNextPrevChild(false);
+    return !next && moveFocus(false);
 }
 
 bool GrowingTextView::canInsertFromMimeData(const QMimeData *source) const {
@@ -240,11 +245,33 @@ void GrowingTextView::repaintAround(const QRectF &rect) {
         viewport()->update();
 }
 
-void GrowingTextView::textDidChange() {
+void GrowingTextView::takeIn(int from, int removed, int added) {
+    // The document also counts the separator at its end.
+    const int length = document()->characterCount() - 1;
+    removed = std::min(removed, static_cast<int>(m_text.size()) - from);
+    added = std::min(added, length - from);
+    if (removed < 0 || added < 0) {
+        m_isTextChanged = true;
+        m_text = text();
+        return;
+    }
+    QTextCursor changed(document());
+    changed.setPosition(from);
+    changed.setPosition(from + added, QTextCursor::KeepAnchor);
+    auto now = changed.selectedText();
+    now.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
     // Styling and composing report themselves as changes, too.
-    const auto now = text();
-    if (std::exchange(m_text, now) != now && onTextChanged)
-        onTextChanged(now);
+    if (QStringView(m_text).sliced(from, removed) == now)
+        return;
+    m_isTextChanged = true;
+    m_text.replace(from, removed, now);
+    if (m_text.size() != length)
+        m_text = text();
+}
+
+void GrowingTextView::textDidChange() {
+    if (std::exchange(m_isTextChanged, false) && onTextChanged)
+        onTextChanged(m_text);
     caretDidMove(); // or its line did
 }
 

@@ -75,12 +75,15 @@ private:
     explicit GrowingTextView(QWidget *parent);
 
     Q_SLOT void repaintAround(const QRectF &rect);
+    bool moveFocus(bool next);
+    void takeIn(int from, int removed, int added);
     void textDidChange();
     void caretDidMove();
 
     RhythmLayoutManager *m_layoutManager;
     bool m_isInert = false;
-    QString m_text; // as last told
+    QString m_text; // kept in step change by change: a letter costs no look at the whole text
+    bool m_isTextChanged = false;
     int m_composedBeforeCaret = 0;
     int m_reportedHeight = -1;
 };

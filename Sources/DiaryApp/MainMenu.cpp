@@ -40,8 +40,8 @@ Entry namedEntry(const char *key, QList<QKeySequence> shortcuts, std::function<v
 }
 
 // Text fields answer to these keys themselves; the menu shows them, and serves the mouse.
-Entry textEntry(const char *key, QKeySequence shortcut, const char *slot) {
-    return {key, L(key), {std::move(shortcut)}, nullptr, slot};
+Entry textEntry(const char *key, const QKeySequence &shortcut, const char *slot) {
+    return {key, L(key), {shortcut}, nullptr, slot};
 }
 
 bool canPerform(const QWidget *widget, const char *slot) {
@@ -157,7 +157,7 @@ QStringList withMnemonics(const QStringList &titles, const QStringList &keys) {
     return marked;
 }
 
-QMenuBar *build(MenuActions actions, QWidget *parent) {
+QMenuBar *build(const MenuActions &actions, QWidget *parent) {
     const auto ctrl = [](Qt::Key key) { return QKeySequence(Qt::CTRL | key); };
     const auto alt = [](Qt::Key key) { return QKeySequence(Qt::ALT | key); };
 

@@ -37,7 +37,7 @@ namespace MainMenuBuilder {
 
 // The whole menu, in the language in use; a built one is never retitled. The window menu lists the program's
 // open windows whenever it is shown.
-QMenuBar *build(MenuActions actions, QWidget *parent);
+QMenuBar *build(const MenuActions &actions, QWidget *parent);
 
 // The titles with a letter each to press with Alt, no two alike as far as they have letters. A title in a
 // script without letters of its own gets one of its key's in brackets, as is usual there.

@@ -151,7 +151,7 @@ void MainWindowController::buildMenu(MenuActions actions) {
     actions.showYearOverview = [this] { showYearOverview(); };
     actions.minimize = [window] { window->showMinimized(); };
     actions.zoom = [window] { window->isMaximized() ? window->showNormal() : window->showMaximized(); };
-    auto *menuBar = MainMenuBuilder::build(std::move(actions), window);
+    auto *menuBar = MainMenuBuilder::build(actions, window);
     window->setMenuBar(menuBar);
     // The measures are of the content view; the menu bar comes on top.
     window->resize(initialContentSize + QSize(0, menuBar->sizeHint().height()));

@@ -11,6 +11,7 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace diary {
@@ -22,6 +23,10 @@ constexpr double caretWidth = 2;
 constexpr double lineBreakWidth = 6;
 // Less spare room than this is not worth centring in.
 constexpr double leastSpareHeight = 1;
+// More than any window shows below a change.
+constexpr int paragraphsRestyledAtOnce = 100;
+// Less than a frame, so that nobody waits for an idle moment to end.
+constexpr std::chrono::milliseconds idleSlice{4};
 
 double textHeight(const QFontMetricsF &metrics) {
     return metrics.ascent() + metrics.descent();
@@ -33,6 +38,7 @@ double textHeight(const QFontMetricsF &metrics) {
 class RhythmLayoutManager::BlockBoxes : public QTextBlockUserData {
 public:
     std::vector<LineBox> lines;
+    bool isStale = false;
 
     double height() const { return lines.empty() ? 0 : lines.back().top + lines.back().height; }
 };
@@ -42,6 +48,9 @@ RhythmLayoutManager::RhythmLayoutManager(QTextDocument *document) : QAbstractTex
         m_isStale = true;
         m_changedTextEnd = from + added;
     });
+    m_idle.setSingleShot(true);
+    m_idle.setInterval(0);
+    connect(&m_idle, &QTimer::timeout, this, [this] { layOutStale(idleSlice); });
 }
 
 void RhythmLayoutManager::setFixedLineHeight(double height) {
@@ -114,11 +123,61 @@ void RhythmLayoutManager::placeFrom(const QTextBlock &first, double y) {
 }
 
 void RhythmLayoutManager::layOutAll() {
+    m_firstStale.reset();
     double y = 0;
     for (auto block = document()->begin(); block.isValid(); block = block.next()) {
         layOut(block);
         block.layout()->setPosition({0, y});
         y += static_cast<const BlockBoxes *>(block.userData())->height();
+    }
+}
+
+void RhythmLayoutManager::layOutLater(const QTextBlock &block) {
+    static_cast<BlockBoxes *>(block.userData())->isStale = true;
+    if (!m_firstStale || block.position() < m_firstStale->position())
+        m_firstStale = QTextCursor(block);
+    m_idle.start();
+}
+
+void RhythmLayoutManager::layOutStale(std::optional<std::chrono::milliseconds> limit,
+                                      const QTextBlock &through) {
+    if (!m_firstStale)
+        return;
+    const auto deadline = std::chrono::steady_clock::now() + limit.value_or(std::chrono::hours(1));
+    auto block = m_firstStale->block();
+    const double top = block.layout()->position().y();
+    double y = top;
+    const auto isDone = [&] {
+        return limit ? std::chrono::steady_clock::now() >= deadline : block.position() > through.position();
+    };
+    for (; block.isValid() && !isDone(); block = block.next()) {
+        if (static_cast<const BlockBoxes *>(block.userData())->isStale)
+            layOut(block);
+        block.layout()->setPosition({0, y});
+        y += static_cast<const BlockBoxes *>(block.userData())->height();
+    }
+    if (block.isValid()) {
+        m_firstStale->setPosition(block.position());
+        placeFrom(block, y);
+        m_idle.start();
+    } else {
+        m_firstStale.reset();
+    }
+    tellSize();
+    emit update(QRectF(0, top, m_width, 1e9));
+}
+
+// Before anybody is told where its lines are.
+void RhythmLayoutManager::catchUpWith(const QTextBlock &block) const {
+    if (m_firstStale && block.isValid() && block.position() >= m_firstStale->position())
+        const_cast<RhythmLayoutManager *>(this)->layOutStale(std::nullopt, block);
+}
+
+void RhythmLayoutManager::tellSize() {
+    const QSizeF size(m_width, blockBoundingRect(document()->lastBlock()).bottom());
+    if (size != m_size) {
+        m_size = size;
+        emit documentSizeChanged(m_size);
     }
 }
 
@@ -148,8 +207,13 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
         double y = previous.isValid() ? blockBoundingRect(previous).bottom() : 0;
         dirty.setTop(y);
         const auto end = last.next();
+        const int textEnd = std::max(from, m_changedTextEnd);
+        int restyled = 0;
         for (auto block = first; block.isValid() && block != end; block = block.next()) {
-            layOut(block);
+            if (block.position() > textEnd && block.userData() && ++restyled > paragraphsRestyledAtOnce)
+                layOutLater(block);
+            else
+                layOut(block);
             block.layout()->setPosition({0, y});
             y += static_cast<const BlockBoxes *>(block.userData())->height();
         }
@@ -160,12 +224,7 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
         placeFrom(end, y);
     }
     m_changedTextEnd = -1;
-
-    const QSizeF size(m_width, blockBoundingRect(document()->lastBlock()).bottom());
-    if (size != m_size) {
-        m_size = size;
-        emit documentSizeChanged(m_size);
-    }
+    tellSize();
     emit update(dirty);
 }
 
@@ -193,7 +252,9 @@ QTextBlock RhythmLayoutManager::blockAt(double y) const {
 }
 
 int RhythmLayoutManager::hitTest(const QPointF &point, Qt::HitTestAccuracy accuracy) const {
-    const auto block = blockAt(point.y());
+    auto block = blockAt(point.y());
+    catchUpWith(block);
+    block = blockAt(point.y());
     const auto &boxes = boxesOf(block);
     if (boxes.empty())
         return -1;
@@ -221,6 +282,7 @@ int RhythmLayoutManager::hitTest(const QPointF &point, Qt::HitTestAccuracy accur
 
 QRectF RhythmLayoutManager::lineRect(int position) const {
     const auto block = document()->findBlock(position);
+    catchUpWith(block);
     const auto line =
         block.isValid() ? block.layout()->lineForTextPosition(position - block.position()) : QTextLine();
     if (!line.isValid())
@@ -231,6 +293,7 @@ QRectF RhythmLayoutManager::lineRect(int position) const {
 
 QRectF RhythmLayoutManager::caretRect(int position, int composed) const {
     const auto block = document()->findBlock(position);
+    catchUpWith(block);
     return block.isValid() ? caretRectIn(block, position - block.position() + composed) : QRectF();
 }
 
@@ -299,7 +362,9 @@ void RhythmLayoutManager::drawSelections(QPainter *painter, const QTextBlock &bl
 void RhythmLayoutManager::draw(QPainter *painter, const PaintContext &context) {
     const auto clip = context.clip.isValid() ? context.clip : QRectF(0, 0, m_width, m_size.height());
     painter->setPen(context.palette.color(QPalette::Text));
+    catchUpWith(blockAt(clip.top()));
     for (auto block = blockAt(clip.top()); block.isValid(); block = block.next()) {
+        catchUpWith(block);
         const auto rect = blockBoundingRect(block);
         if (rect.top() > clip.bottom())
             break;

@@ -5,7 +5,12 @@
 #include <QColor>
 #include <QFont>
 #include <QRectF>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTimer>
 
+#include <chrono>
+#include <optional>
 #include <vector>
 
 namespace diary {
@@ -15,7 +20,9 @@ namespace diary {
 // font that needs more than the box gets more.
 //
 // A change costs the paragraphs that it touches, and a new position for those below when the height changed.
-// Belongs to its document; main thread only. Lengths are in logical pixels.
+// When the styling of many paragraphs changes at once, those far below the change follow in idle moments, or
+// as soon as somebody looks at them. Belongs to its document; main thread only. Lengths are in logical
+// pixels.
 class RhythmLayoutManager : public QAbstractTextDocumentLayout {
     Q_OBJECT
 
@@ -58,6 +65,11 @@ private:
     void layOut(const QTextBlock &block);
     void placeFrom(const QTextBlock &block, double y);
     void layOutAll();
+    void layOutLater(const QTextBlock &block);
+    // Until the time is over or, without one, through the block.
+    void layOutStale(std::optional<std::chrono::milliseconds> limit, const QTextBlock &through = {});
+    void catchUpWith(const QTextBlock &block) const;
+    void tellSize();
     void drawSelections(QPainter *painter, const QTextBlock &block, const PaintContext &context) const;
     QRectF caretRectIn(const QTextBlock &block, int positionInBlock) const;
 
@@ -66,6 +78,9 @@ private:
     QFont m_font; // that the present layout was made with
     double m_tabWidth = 0;
     bool m_isStale = true;
+    // The first paragraph whose lines are those of an earlier styling; none when all are as they should be.
+    std::optional<QTextCursor> m_firstStale;
+    QTimer m_idle;
     int m_changedTextEnd = -1; // where the new text ends, while a change is being told
     QSizeF m_size;
     QColor m_caretColor;

@@ -98,7 +98,9 @@ void YearCardView::paintShadow(QPainter &painter) const {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     const auto bounds = QRectF(geometry()).translated(0, shadowOffset);
-    for (double distance = -shadowOffset + 0.5; distance < 2.5 * radius; ++distance) {
+    const int rings = static_cast<int>(std::ceil(2.5 * radius + shadowOffset - 0.5));
+    for (int ring = 0; ring < rings; ++ring) {
+        const double distance = -shadowOffset + 0.5 + ring;
         QColor black(Qt::black);
         black.setAlphaF(
             static_cast<float>(opacity * std::erfc(distance / (radius * std::numbers::sqrt2)) / 2));

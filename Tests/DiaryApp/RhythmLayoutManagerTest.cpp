@@ -474,5 +474,61 @@ TEST(RhythmLayoutManager, looksLikeAFreshLayoutAfterAnyEdits) {
     }
 }
 
+// Letters so narrow that they take one line, and two as code, where all letters are equally wide.
+QString manyParagraphs() {
+    return (QString(60, QLatin1Char('i')) + QLatin1Char('\n')).repeated(1000);
+}
+
+// At the beginning, so that all that follows becomes code.
+void openFence(Page &page) {
+    QTextCursor cursor(&page.document);
+    cursor.insertText(QStringLiteral("```\n"));
+}
+
+bool isCaughtUp(const Page &page) {
+    for (auto block = page.document.begin(); block.isValid(); block = block.next()) {
+        if (block.layout()->lineCount() == 0)
+            return false;
+    }
+    return true;
+}
+
+TEST(RhythmLayoutManager, catchesUpWithStylingFarBelowInIdleMoments) {
+    Page page(manyParagraphs(), 400);
+    const double before = page.layout->documentSize().height();
+    openFence(page);
+    const double atOnce = page.layout->documentSize().height();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isCaughtUp(page); }));
+    EXPECT_GT(atOnce, before + 34 * 50);
+    EXPECT_NE(atOnce, page.layout->documentSize().height());
+    expectSameAsFresh(page);
+}
+
+TEST(RhythmLayoutManager, catchesUpBeforeItTellsWhereALineIs) {
+    Page page(manyParagraphs(), 400);
+    openFence(page);
+    const Page fresh(QStringLiteral("```\n") + manyParagraphs(), 400);
+    const int position = page.document.findBlockByNumber(900).position() + 70;
+    EXPECT_EQ(page.layout->lineRect(position), fresh.layout->lineRect(position));
+    const QPointF point(40, fresh.layout->documentSize().height() - 100);
+    EXPECT_EQ(page.layout->hitTest(point, Qt::FuzzyHit), fresh.layout->hitTest(point, Qt::FuzzyHit));
+    expectSameAsFresh(page);
+}
+
+TEST(RhythmLayoutManager, catchesUpWithWhatChangesMeanwhile) {
+    Page page(manyParagraphs(), 400);
+    openFence(page);
+    QTextCursor cursor(page.document.findBlockByNumber(600));
+    cursor.insertText(QStringLiteral("Between.\n"));
+    cursor.setPosition(page.document.findBlockByNumber(300).position());
+    cursor.setPosition(page.document.findBlockByNumber(320).position(), QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    page.document.undo();
+    page.document.undo();
+    page.document.undo();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isCaughtUp(page); }));
+    expectSameAsFresh(page);
+}
+
 } // namespace
 } // namespace diary
