@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/SearchRowView.h>
 #include <DiaryApp/Text.h>
+#include <DiaryApp/TextBlock.h>
 #include <DiaryApp/Theme.h>
 
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QTextCharFormat>
-#include <QTextOption>
 
 #include <algorithm>
 #include <cmath>
@@ -20,24 +20,6 @@ constexpr int verticalInset = 10;
 constexpr int titleGap = 4;
 constexpr double titleSize = 12;
 constexpr double snippetSize = 13;
-
-// Keeps the places of all other characters.
-QString withoutLineBreaks(QString text) {
-    for (auto &character : text) {
-        if (character.category() == QChar::Other_Control || character == QChar::LineSeparator ||
-            character == QChar::ParagraphSeparator)
-            character = QLatin1Char(' ');
-    }
-    return text;
-}
-
-QTextOption optionFor(const QString &text) {
-    const bool isRightToLeft = text.isRightToLeft();
-    QTextOption option(isRightToLeft ? Qt::AlignRight : Qt::AlignLeft);
-    option.setTextDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    return option;
-}
 
 QTextCharFormat markFormat() {
     QTextCharFormat format;
@@ -63,7 +45,7 @@ SearchRowView::Model SearchRowView::Model::of(const DiaryStore::SearchHit &hit, 
     const auto year = QString::number(hit.year);
     Model model;
     model.title = day + QStringLiteral(" · ") + year;
-    model.snippet = withoutLineBreaks(toQString(hit.snippet));
+    model.snippet = onOneLine(toQString(hit.snippet));
     model.accessibleName = QStringList{day, year, model.snippet}.join(QLatin1Char(' '));
     const std::string_view snippet = hit.snippet;
     for (const auto &match : DiaryStore::matches(query, snippet)) {
@@ -87,7 +69,7 @@ void SearchRowView::update(const Model &model, const Fonts &fonts) {
     m_title = {model.title, fonts.title};
     m_titleSize = m_title.naturalSize();
     m_snippet.setFont(fonts.snippet);
-    m_snippet.setTextOption(optionFor(model.snippet));
+    m_snippet.setTextOption(wrappingOption(model.snippet));
     m_snippetWidth = -1;
     setAccessibleName(model.accessibleName);
     update();

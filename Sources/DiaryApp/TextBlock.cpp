@@ -1,25 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/TextBlock.h>
 
+#include <QFontMetricsF>
 #include <QPainter>
-#include <QTextOption>
 
 #include <algorithm>
 #include <cmath>
 
 namespace diary {
 
-namespace {
-
-QTextOption optionFor(const QString &paragraph) {
+QTextOption wrappingOption(const QString &paragraph) {
     const bool isRightToLeft = paragraph.isRightToLeft();
     QTextOption option(isRightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     option.setTextDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     return option;
 }
-
-} // namespace
 
 void TextBlock::set(const QString &text, const Style &style) {
     // A text that was never set has no paragraph yet, not even an empty one.
@@ -32,8 +28,11 @@ void TextBlock::set(const QString &text, const Style &style) {
     auto lines = text;
     lines.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
     for (const auto &paragraph : lines.split(QLatin1Char('\n'))) {
+        auto option = wrappingOption(paragraph);
+        if (!style.wraps)
+            option.setWrapMode(QTextOption::ManualWrap);
         auto layout = std::make_unique<QTextLayout>(paragraph, style.font);
-        layout->setTextOption(optionFor(paragraph));
+        layout->setTextOption(option);
         layout->setCacheEnabled(true);
         m_paragraphs.push_back(std::move(layout));
     }
@@ -44,40 +43,57 @@ void TextBlock::layOut(double width) {
     if (width == m_width)
         return;
     m_width = width;
+    breakIntoLines();
+    stackLines();
+}
+
+void TextBlock::breakIntoLines() {
+    const QFontMetricsF metrics(m_style.font);
+    m_ascent = metrics.ascent();
+    m_descent = metrics.descent();
     m_naturalWidth = 0;
-    double y = 0;
     for (const auto &paragraph : m_paragraphs) {
-        if (paragraph != m_paragraphs.front())
-            y += m_style.paragraphSpacing;
         paragraph->beginLayout();
         for (auto line = paragraph->createLine(); line.isValid(); line = paragraph->createLine()) {
-            if (line.lineNumber() > 0)
-                y += m_style.lineSpacing;
-            line.setLineWidth(width);
-            const double height = std::round(line.height() * m_style.lineHeightMultiple);
-            line.setPosition({0, y + height - line.height()});
-            y += height;
+            line.setLineWidth(m_width);
+            m_ascent = std::max(m_ascent, line.ascent());
+            m_descent = std::max(m_descent, line.descent());
             m_naturalWidth = std::max(m_naturalWidth, line.naturalTextWidth());
         }
         paragraph->endLayout();
     }
-    m_height = y;
+    // Whole pixels keep the letters of all lines equally sharp.
+    m_ascent = std::ceil(m_ascent);
+    m_descent = std::ceil(m_descent);
 }
 
-int TextBlock::lineCount() const {
-    int count = 0;
-    for (const auto &paragraph : m_paragraphs)
-        count += paragraph->lineCount();
-    return count;
-}
-
-QRectF TextBlock::lineRect(int line) const {
+void TextBlock::stackLines() {
+    const double lineHeight = std::round((m_ascent + m_descent) * m_style.lineHeightMultiple);
+    m_firstBaseline = lineHeight - m_descent;
+    double baseline = m_firstBaseline;
     for (const auto &paragraph : m_paragraphs) {
-        if (line < paragraph->lineCount())
-            return paragraph->lineAt(line).naturalTextRect();
-        line -= paragraph->lineCount();
+        for (int index = 0; index < paragraph->lineCount(); ++index) {
+            auto line = paragraph->lineAt(index);
+            line.setPosition({0, baseline - line.ascent()});
+            m_height = baseline + m_descent;
+            baseline += lineHeight + m_style.lineSpacing;
+        }
+        baseline += m_style.paragraphSpacing;
     }
-    return {};
+}
+
+std::vector<TextBlock::Line> TextBlock::lines() const {
+    std::vector<Line> lines;
+    for (const auto &paragraph : m_paragraphs) {
+        for (int index = 0; index < paragraph->lineCount(); ++index) {
+            const auto line = paragraph->lineAt(index);
+            const double top = line.y() + line.ascent() - m_ascent;
+            lines.push_back(
+                {paragraph->text().mid(line.textStart(), line.textLength()),
+                 QRectF(line.naturalTextRect().left(), top, line.naturalTextWidth(), m_ascent + m_descent)});
+        }
+    }
+    return lines;
 }
 
 void TextBlock::paint(QPainter &painter, const QPointF &topLeft, const QColor &color) const {

@@ -11,24 +11,24 @@ namespace diary {
 
 namespace {
 
-// File names may hold anything.
+int widthOf(const QString &line, const QFont &font) {
+    return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(line)));
+}
+
+} // namespace
+
 QString onOneLine(QString text) {
     const auto breaks = [](QChar character) {
         return character.category() == QChar::Other_Control || character == QChar::LineSeparator ||
                character == QChar::ParagraphSeparator;
     };
+    // Looked for first, as writing copies the text.
     for (qsizetype index = 0; index < text.size(); ++index) {
         if (breaks(text.at(index)))
             text[index] = QLatin1Char(' ');
     }
     return text;
 }
-
-int widthOf(const QString &line, const QFont &font) {
-    return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(line)));
-}
-
-} // namespace
 
 QSize TextLine::naturalSize() const {
     return {widthOf(onOneLine(text), font), QFontMetrics(font).height()};

@@ -11,8 +11,11 @@ class QPainter;
 
 namespace diary {
 
-// One line of text of one style, for views that paint themselves. Whatever would break the line shows as a
-// blank.
+// The text with a blank for each character that would break the line: file names and entries may hold
+// anything. All other characters keep their places.
+QString onOneLine(QString text);
+
+// One line of text of one style, for views that paint themselves.
 struct TextLine {
     QString text;
     QFont font;

@@ -1,42 +1,35 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <DiaryApp/TextBlock.h>
+
 #include <QColor>
 #include <QFont>
 #include <QLabel>
 
-#include <memory>
 #include <vector>
 
 namespace diary {
 
-// A text with exactly its own font and colour: plain, not selectable, read out as static text.
-//
-// Every paragraph (they end at `\n`) begins on the side of its own writing direction, unless the label is
-// centred or right-aligned. All lines are equally high: as high as the highest of them.
+// A text with exactly its own font and colour: plain, not selectable, read out as static text. Every
+// paragraph begins on the side of its own writing direction.
 class ThemeLabel : public QLabel {
     Q_OBJECT
 
 public:
-    // Lengths are in logical pixels.
+    // Lengths are in logical pixels, and mean what they mean to a TextBlock.
     struct Style {
         QFont font;
         QColor color;
-        double lineSpacing = 0; // from each line to the next
-        double lineHeightMultiple =
-            1;                       // of the height that the font asks for; what is added is above the text
-        double paragraphSpacing = 0; // between paragraphs, beside the line spacing
-        bool wraps = false;          // at the label's width, inside a word where the word alone is wider
-        int maximumLines = 0;        // 0 for any number; the last line shown then ends in an ellipsis
-        // Where a line that does not fit is shortened. ElideNone also keeps a label that does not wrap from
-        // being narrower than its text.
-        Qt::TextElideMode elideMode = Qt::ElideNone;
+        double lineSpacing = 0;
+        double lineHeightMultiple = 1;
+        double paragraphSpacing = 0;
+        bool wraps = false; // at the label's width; else the label is never narrower than its text
 
         bool operator==(const Style &) const = default;
     };
 
     ThemeLabel(const QString &text, const Style &style, QWidget *parent = nullptr);
-    ~ThemeLabel() override;
 
     const Style &textStyle() const { return m_style; }
     void setTextStyle(const Style &style);
@@ -44,14 +37,8 @@ public:
 
     // From the top of the label to the line on which the first line's letters stand.
     double firstBaseline() const;
-
-    struct Line {
-        QString text;
-        QRectF rect; // the text's own, within the label
-        bool operator==(const Line &) const = default;
-    };
     // As shown at the label's size.
-    std::vector<Line> lines() const;
+    std::vector<TextBlock::Line> lines() const;
 
     bool hasHeightForWidth() const override;
     int heightForWidth(int width) const override;
@@ -62,13 +49,12 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    class Layout;
-
-    const Layout &layoutFor(double width) const;
-    QPointF textOrigin(const Layout &layout) const;
+    const TextBlock &laidOut(double width) const;
+    // Of the text at the label's size, which stands in the middle of its height.
+    QPointF origin() const;
 
     Style m_style;
-    mutable std::unique_ptr<Layout> m_layout; // the last one asked for
+    mutable TextBlock m_block; // at the width asked for last
 };
 
 // A label of one line, or of as many as the text has, that takes the room its text needs. The kern is added

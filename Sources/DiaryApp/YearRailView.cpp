@@ -3,8 +3,8 @@
 #include <DiaryApp/ElidedLabel.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/QuietScrollBar.h>
-#include <DiaryApp/TextBlock.h>
 #include <DiaryApp/Theme.h>
+#include <DiaryApp/ThemeLabel.h>
 #include <DiaryApp/YearRailView.h>
 
 #include <QEvent>
@@ -15,7 +15,6 @@
 #include <QScrollBar>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -305,31 +304,6 @@ void YearRailView::CardsStack::showWhole(const QWidget *view) {
     bar->setValue(std::min(bar->value(), view->y()));
 }
 
-// The text below the cards.
-class YearRailView::FootLabel : public QLabel {
-public:
-    explicit FootLabel(QWidget *parent) : QLabel(parent) {
-        setObjectName(QStringLiteral("footLabel"));
-        setTextFormat(Qt::PlainText);
-    }
-
-    QSize sizeForWidth(int width) {
-        m_block.set(text(), {Theme::system(11), 0, footLineHeight});
-        m_block.layOut(width);
-        return {static_cast<int>(std::ceil(m_block.naturalWidth())),
-                static_cast<int>(std::ceil(m_block.height()))};
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        m_block.paint(painter, {0, 0}, Theme::railFoot());
-    }
-
-private:
-    TextBlock m_block;
-};
-
 YearRailView::YearRailView(QWidget *parent) : QWidget(parent) {
     setAccessibleName(L("On This Day"));
     m_titleLabel = new ElidedLabel(Theme::mono(10.5, Theme::Weight::Regular, titleLetterSpacing),
@@ -349,7 +323,13 @@ YearRailView::YearRailView(QWidget *parent) : QWidget(parent) {
     m_cardsStack->setAutoFillBackground(false);
     new QuietScrollBar(m_scrollView);
 
-    m_footLabel = new FootLabel(this);
+    m_footLabel = new ThemeLabel(QString(),
+                                 {.font = Theme::system(11),
+                                  .color = Theme::railFoot(),
+                                  .lineHeightMultiple = footLineHeight,
+                                  .wraps = true},
+                                 this);
+    m_footLabel->setObjectName(QStringLiteral("footLabel"));
     layOut();
 }
 
@@ -374,7 +354,8 @@ void YearRailView::resizeEvent(QResizeEvent *) {
 
 YearRailLayout YearRailView::currentLayout() const {
     const int inner = width() - 2 * YearRailLayout::sideInset;
-    return layoutYearRail({m_titleLabel->sizeHint(), m_footLabel->sizeForWidth(inner)}, size());
+    const QSize foot(m_footLabel->sizeHint().width(), m_footLabel->heightForWidth(inner));
+    return layoutYearRail({m_titleLabel->sizeHint(), foot}, size());
 }
 
 void YearRailView::layOut() {

@@ -16,6 +16,7 @@ class QScrollArea;
 namespace diary {
 
 class ElidedLabel;
+class ThemeLabel;
 
 // What the texts around the cards take.
 struct YearRailMetrics {
@@ -71,7 +72,6 @@ protected:
 
 private:
     class CardsStack;
-    class FootLabel;
 
     YearRailLayout currentLayout() const;
     void layOut();
@@ -79,7 +79,7 @@ private:
     ElidedLabel *m_titleLabel;
     QScrollArea *m_scrollView;
     CardsStack *m_cardsStack;
-    FootLabel *m_footLabel;
+    ThemeLabel *m_footLabel;
 };
 
 } // namespace diary

@@ -22,24 +22,29 @@ TextBlock laidOut(const QString &text, double width, const TextBlock::Style &sty
 }
 
 int lineHeight() {
-    return static_cast<int>(std::ceil(QFontMetricsF(Theme::mono(13)).height()));
+    const QFontMetricsF metrics(Theme::mono(13));
+    return static_cast<int>(std::ceil(metrics.ascent()) + std::ceil(metrics.descent()));
+}
+
+int lineCount(const TextBlock &block) {
+    return static_cast<int>(block.lines().size());
 }
 
 TEST(TextBlock, isOneLineHighWithoutText) {
     EXPECT_EQ(laidOut(QString(), 100).height(), lineHeight());
-    EXPECT_EQ(laidOut(QString(), 100).lineCount(), 1);
+    EXPECT_EQ(lineCount(laidOut(QString(), 100)), 1);
 }
 
 TEST(TextBlock, wrapsBetweenWords) {
     const auto block = laidOut(QStringLiteral("one two three four five six"), 80);
-    EXPECT_GT(block.lineCount(), 2);
-    EXPECT_EQ(block.height(), block.lineCount() * lineHeight());
+    EXPECT_GT(lineCount(block), 2);
+    EXPECT_EQ(block.height(), lineCount(block) * lineHeight());
     EXPECT_LE(block.naturalWidth(), 80);
 }
 
 TEST(TextBlock, breaksALongWordAnywhere) {
     const auto block = laidOut(QString(300, QLatin1Char('x')), 100);
-    EXPECT_GT(block.lineCount(), 10);
+    EXPECT_GT(lineCount(block), 10);
     EXPECT_LE(block.naturalWidth(), 100);
 }
 
@@ -47,32 +52,56 @@ TEST(TextBlock, putsSpacingBetweenTheLinesOnly) {
     const auto text = QStringLiteral("one two three four five six");
     const auto plain = laidOut(text, 80);
     const auto spaced = laidOut(text, 80, {Theme::mono(13), 8});
-    EXPECT_EQ(spaced.height(), plain.height() + 8 * (plain.lineCount() - 1));
-    EXPECT_EQ(spaced.lineRect(0).top(), plain.lineRect(0).top());
-    EXPECT_EQ(spaced.lineRect(1).top(), plain.lineRect(1).top() + 8);
+    EXPECT_EQ(spaced.height(), plain.height() + 8 * (lineCount(plain) - 1));
+    EXPECT_EQ(spaced.lines()[0].rect.top(), plain.lines()[0].rect.top());
+    EXPECT_EQ(spaced.lines()[1].rect.top(), plain.lines()[1].rect.top() + 8);
 }
 
 TEST(TextBlock, raisesEachLineByTheMultiple) {
     const auto block = laidOut(QStringLiteral("one two three four five six"), 80, {Theme::mono(13), 0, 1.3});
     const auto raised = std::round(1.3 * lineHeight());
-    EXPECT_EQ(block.height(), block.lineCount() * raised);
+    EXPECT_EQ(block.height(), lineCount(block) * raised);
     // What is added lies above.
-    EXPECT_EQ(block.lineRect(0).top(), raised - lineHeight());
+    EXPECT_EQ(block.lines()[0].rect.top(), raised - lineHeight());
 }
 
 TEST(TextBlock, startsParagraphsAtLineBreaks) {
     const auto block = laidOut(QStringLiteral("one\ntwo\u2029three"), 500, {Theme::mono(13), 8, 1, 5});
-    EXPECT_EQ(block.lineCount(), 3);
-    EXPECT_EQ(block.height(), 3 * lineHeight() + 2 * 5);
-    EXPECT_EQ(block.lineRect(2).top(), 2 * lineHeight() + 2 * 5);
+    EXPECT_EQ(lineCount(block), 3);
+    EXPECT_EQ(block.height(), 3 * lineHeight() + 2 * (8 + 5));
+    EXPECT_EQ(block.lines()[2].rect.top(), 2 * lineHeight() + 2 * (8 + 5));
+}
+
+TEST(TextBlock, makesAllLinesEquallyHigh) {
+    const auto block = laidOut(QStringLiteral("Latin\n日記を書く\nLatin"), 500, {Theme::serif(14.5)});
+    const auto lines = block.lines();
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[1].rect.top() - lines[0].rect.top(), lines[2].rect.top() - lines[1].rect.top());
+    EXPECT_EQ(lines[0].rect.height(), lines[1].rect.height());
+    EXPECT_EQ(block.height(), lines[2].rect.bottom());
+}
+
+TEST(TextBlock, keepsAParagraphOnOneLineWithoutWrapping) {
+    const auto block =
+        laidOut(QStringLiteral("one two three\nfour"), 20, {.font = Theme::mono(13), .wraps = false});
+    ASSERT_EQ(lineCount(block), 2);
+    EXPECT_EQ(block.lines()[0].text, QStringLiteral("one two three"));
+    EXPECT_GT(block.naturalWidth(), 80);
+}
+
+TEST(TextBlock, tellsWhereItsFirstLettersStand) {
+    const double ascent = std::ceil(QFontMetricsF(Theme::mono(13)).ascent());
+    EXPECT_EQ(laidOut(QStringLiteral("x\ny"), 500).firstBaseline(), ascent);
+    EXPECT_EQ(laidOut(QStringLiteral("x\ny"), 500, {Theme::mono(13), 0, 2}).firstBaseline(),
+              ascent + lineHeight());
 }
 
 TEST(TextBlock, alignsEachParagraphByItsDirection) {
     const auto block = laidOut(QStringLiteral("left\nימין\nيمين"), 200);
-    EXPECT_EQ(block.lineRect(0).left(), 0);
-    EXPECT_NEAR(block.lineRect(1).right(), 200, 1);
-    EXPECT_NEAR(block.lineRect(2).right(), 200, 1);
-    EXPECT_GT(block.lineRect(1).left(), 100);
+    EXPECT_EQ(block.lines()[0].rect.left(), 0);
+    EXPECT_NEAR(block.lines()[1].rect.right(), 200, 1);
+    EXPECT_NEAR(block.lines()[2].rect.right(), 200, 1);
+    EXPECT_GT(block.lines()[1].rect.left(), 100);
 }
 
 TEST(TextBlock, paintsInsideWhatItMeasured) {
@@ -104,7 +133,7 @@ TEST(TextBlock, isLaidOutAnewForAnotherTextStyleOrWidth) {
     EXPECT_GT(narrow, lineHeight());
     block.set(QStringLiteral("a\nb"), {Theme::mono(26)});
     block.layOut(500);
-    EXPECT_EQ(block.lineCount(), 2);
+    EXPECT_EQ(lineCount(block), 2);
 }
 
 } // namespace

@@ -42,6 +42,7 @@ TEST(TextLine, isShortenedAtTheSideItIsToldTo) {
 TEST(TextLine, staysOnOneLine) {
     const TextLine line{QStringLiteral("a\nb\tc\u2028d\u2029e"), Theme::mono(12)};
     EXPECT_EQ(line.shownText(1000), QStringLiteral("a b c d e"));
+    EXPECT_EQ(onOneLine(line.text), QStringLiteral("a b c d e"));
 }
 
 } // namespace

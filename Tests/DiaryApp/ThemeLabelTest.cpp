@@ -204,19 +204,6 @@ TEST(ThemeLabel, beginsEachParagraphOnTheSideOfItsScript) {
     EXPECT_GT(lines[1].rect.left(), 100);
 }
 
-TEST(ThemeLabel, alignsWhereItIsTold) {
-    const auto label = shown(QStringLiteral("2019"), wrappingStyle(), 200);
-    label->resize(200, 100);
-    label->setAlignment(Qt::AlignRight | Qt::AlignTop);
-    EXPECT_NEAR(label->lines()[0].rect.right(), 200, 1);
-    EXPECT_EQ(label->lines()[0].rect.top(), 0);
-    label->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
-    EXPECT_NEAR(label->lines()[0].rect.center().x(), 100, 1);
-    EXPECT_EQ(label->lines()[0].rect.bottom(), 100);
-    label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    EXPECT_NEAR(label->lines()[0].rect.center().y(), 50, 1);
-}
-
 TEST(ThemeLabel, tellsWhereItsFirstLettersStand) {
     auto style = plainStyle();
     ThemeLabel label(QStringLiteral("x"), style);
@@ -224,45 +211,6 @@ TEST(ThemeLabel, tellsWhereItsFirstLettersStand) {
     EXPECT_EQ(label.firstBaseline(), std::ceil(QFontMetricsF(style.font).ascent()));
     label.resize(label.width(), label.height() + 20);
     EXPECT_EQ(label.firstBaseline(), std::ceil(QFontMetricsF(style.font).ascent()) + 10);
-}
-
-TEST(ThemeLabel, shortensALineWhereItIsTold) {
-    const struct {
-        Qt::TextElideMode mode;
-        const char *begin;
-        const char *end;
-    } rows[] = {
-        {Qt::ElideRight, "The quick", "…"}, {Qt::ElideMiddle, "The", "river"}, {Qt::ElideLeft, "…", "river"}};
-    for (const auto &[mode, begin, end] : rows) {
-        auto style = plainStyle();
-        style.elideMode = mode;
-        ThemeLabel label(pangram, style);
-        EXPECT_EQ(label.minimumSizeHint().width(), 0);
-        label.resize(120, label.sizeHint().height());
-        const auto lines = label.lines();
-        ASSERT_EQ(lines.size(), 1U);
-        EXPECT_LE(lines[0].rect.width(), 120);
-        EXPECT_TRUE(lines[0].text.startsWith(QString::fromUtf8(begin))) << lines[0].text.toStdString();
-        EXPECT_TRUE(lines[0].text.endsWith(QString::fromUtf8(end))) << lines[0].text.toStdString();
-        label.resize(label.sizeHint());
-        EXPECT_EQ(texts(label), std::vector{pangram});
-    }
-}
-
-TEST(ThemeLabel, showsAsManyLinesAsItMay) {
-    auto style = wrappingStyle();
-    style.maximumLines = 2;
-    style.paragraphSpacing = 50;
-    const auto label = shown(pangram, style, 150);
-    ASSERT_EQ(label->lines().size(), 2U);
-    EXPECT_EQ(label->height(), 2 * lineHeight(style));
-    EXPECT_TRUE(texts(*label)[1].endsWith(QChar(0x2026)));
-    EXPECT_LE(label->lines()[1].rect.width(), 150);
-
-    const auto paragraphs = shown(QStringLiteral("one\ntwo\nthree"), style, 150);
-    EXPECT_EQ(texts(*paragraphs), (std::vector{QStringLiteral("one"), QStringLiteral("two…")}));
-    const auto fitting = shown(QStringLiteral("one\ntwo"), style, 150);
-    EXPECT_EQ(texts(*fitting), (std::vector{QStringLiteral("one"), QStringLiteral("two")}));
 }
 
 // How many pixels are nearer to the one colour than to white.

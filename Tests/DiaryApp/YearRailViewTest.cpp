@@ -148,7 +148,8 @@ TEST_F(YearRailViewTest, liesAsLaidOutWithATitleAndAFoot) {
     EXPECT_EQ(title.geometry(), layout.title);
     EXPECT_EQ(scrollView().geometry(), layout.scrollView);
     EXPECT_EQ(foot.geometry(), layout.foot);
-    EXPECT_EQ(foot.height(), std::round(1.3 * std::ceil(QFontMetricsF(Theme::system(11)).height())));
+    const QFontMetricsF metrics(Theme::system(11));
+    EXPECT_EQ(foot.height(), std::round(1.3 * (std::ceil(metrics.ascent()) + std::ceil(metrics.descent()))));
     // The scroll bar takes nothing of the cards' width.
     EXPECT_EQ(scrollView().viewport()->width(), 271);
 }
