@@ -39,12 +39,7 @@ QSize ChromeButton::sizeHint() const {
 
 void ChromeButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (isHovered()) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Theme::hoverBg());
-        painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
-    }
+    paintHoverBackground(painter, cornerRadius);
     line().paint(painter, labelRect(), isHovered() ? m_style.hoverColor : m_style.normalColor);
     paintFocusRing(painter, rect(), cornerRadius);
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/DayCellsView.h>
+#include <DiaryKit/DiaryDay.h>
 
 #include <QAccessible>
 #include <QAccessibleActionInterface>
@@ -167,6 +168,10 @@ DayCellsView::DayCellsView(QWidget *parent) : QWidget(parent) {
         return true;
     }();
     setFocusPolicy(Qt::TabFocus);
+}
+
+int DayCellsView::daysInMonth(std::int64_t month) {
+    return static_cast<int>(MonthDay::daysInCycleMonth.at(static_cast<std::size_t>(month - 1)));
 }
 
 std::optional<int> DayCellsView::dayAt(const QPointF &point) const {

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QWidget>
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -41,6 +42,9 @@ public:
 
 protected:
     explicit DayCellsView(QWidget *parent);
+
+    // In February always 29.
+    static int daysInMonth(std::int64_t month);
 
     // An arrow key leads from this day out of the month.
     virtual void walkOut(Qt::Key, int) {}

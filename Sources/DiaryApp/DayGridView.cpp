@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/DayGridView.h>
 #include <DiaryApp/Localization.h>
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 #include <DiaryKit/DiaryDay.h>
 
@@ -20,12 +21,7 @@ constexpr double numberRaise = 2.5; // makes room for the dot
 constexpr double dotDiameter = 3;
 constexpr double dotAboveBottom = 7; // its upper edge
 constexpr float dotOpacityOnPill = 0.6F;
-constexpr double focusRingWidth = 2;
 constexpr int preferredWidth = 200;
-
-int daysInMonth(std::int64_t month) {
-    return static_cast<int>(MonthDay::daysInCycleMonth.at(static_cast<std::size_t>(month - 1)));
-}
 
 } // namespace
 
@@ -135,9 +131,7 @@ void DayGridView::paintEvent(QPaintEvent *) {
 void DayGridView::paintDay(QPainter &painter, const QRectF &cell, int day) const {
     const bool hasContent = m_model.daysWithContent.contains(day);
     if (isSelected(day)) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Theme::pillBg());
-        painter.drawRoundedRect(cell, cornerRadius, cornerRadius);
+        paintFilledBox(painter, cell, cornerRadius, Theme::pillBg());
     } else if (m_hoveredDay == day) {
         painter.setPen(QPen(Theme::gridHoverOutline(), 1));
         painter.setBrush(Qt::NoBrush);
@@ -160,13 +154,8 @@ void DayGridView::paintDay(QPainter &painter, const QRectF &cell, int day) const
                                    dotDiameter, dotDiameter));
     }
 
-    if (hasFocus() && cursorDay() == day) {
-        const double inset = focusRingWidth / 2;
-        painter.setPen(QPen(Theme::accent(), focusRingWidth));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(cell.adjusted(inset, inset, -inset, -inset), cornerRadius - inset,
-                                cornerRadius - inset);
-    }
+    if (hasFocus() && cursorDay() == day)
+        paintFocusRing(painter, cell, cornerRadius);
 }
 
 void DayGridView::mouseMoveEvent(QMouseEvent *event) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/HoverView.h>
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 
 #include <QAccessible>
@@ -8,15 +9,12 @@
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
 
 #include <utility>
 
 namespace diary {
 
 namespace {
-
-constexpr double focusRingWidth = 2;
 
 class AccessibleHoverView : public QAccessibleWidget {
 public:
@@ -79,17 +77,14 @@ void HoverView::recheckPointer() {
         setPointerInside(false);
 }
 
+void HoverView::paintHoverBackground(QPainter &painter, double cornerRadius) const {
+    if (m_isHovered)
+        paintFilledBox(painter, rect(), cornerRadius, Theme::hoverBg());
+}
+
 void HoverView::paintFocusRing(QPainter &painter, const QRectF &bounds, double cornerRadius) const {
-    if (!hasFocus())
-        return;
-    const double inset = focusRingWidth / 2;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(Theme::accent(), focusRingWidth));
-    painter.drawRoundedRect(bounds.adjusted(inset, inset, -inset, -inset), cornerRadius - inset,
-                            cornerRadius - inset);
-    painter.restore();
+    if (hasFocus())
+        diary::paintFocusRing(painter, bounds, cornerRadius);
 }
 
 bool HoverView::event(QEvent *event) {

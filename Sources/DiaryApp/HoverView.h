@@ -40,6 +40,8 @@ protected:
     // After `isHovered` changed; a repaint is on its way.
     virtual void hoverDidChange() {}
 
+    // All of the view, while it is hovered.
+    void paintHoverBackground(QPainter &painter, double cornerRadius) const;
     // Inside the bounds, for the view that has the keyboard.
     void paintFocusRing(QPainter &painter, const QRectF &bounds, double cornerRadius) const;
 

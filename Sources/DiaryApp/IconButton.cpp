@@ -29,12 +29,8 @@ QSize IconButton::sizeHint() const {
 
 void IconButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
+    paintHoverBackground(painter, cornerRadius);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isHovered()) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Theme::hoverBg());
-        painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
-    }
     painter.translate(symbolCentre);
     painter.fillPath(m_outline, isHovered() ? Theme::inkTitle() : Theme::chevron());
     painter.resetTransform();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MonthHeatView.h>
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 
 #include <QHelpEvent>
@@ -19,10 +20,6 @@ constexpr double cornerRadius = 3;
 constexpr double leapDayLineWidth = 1.5;
 constexpr double focusRingWidth = 2;
 constexpr int preferredWidth = 184;
-
-int daysInMonth(std::int64_t month) {
-    return static_cast<int>(MonthDay::daysInCycleMonth.at(static_cast<std::size_t>(month - 1)));
-}
 
 void strokeInside(QPainter &painter, const QRectF &square, const QColor &color, double width) {
     const double inset = width / 2;
@@ -111,9 +108,7 @@ void MonthHeatView::paintEvent(QPaintEvent *) {
     for (std::size_t index = 0; index < squares.size(); ++index) {
         const int day = static_cast<int>(index) + 1;
         const auto shade = std::min(static_cast<std::size_t>(std::max(0, countOf(day))), shades.size() - 1);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(shades[shade]);
-        painter.drawRoundedRect(squares[index], cornerRadius, cornerRadius);
+        paintFilledBox(painter, squares[index], cornerRadius, shades[shade]);
         if (m_model.month == 2 && day == 29)
             strokeInside(painter, squares[index], Theme::accent(), leapDayLineWidth);
         // Not in the accent colour, which is the leap day's.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/QuietScrollBar.h>
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 
 #include <QAbstractScrollArea>
@@ -72,12 +73,9 @@ void QuietScrollBar::paintEvent(QPaintEvent *) {
     const bool isActive = underMouse() || m_dragOffset;
     const double width = isActive ? hoveredWidth : restingWidth;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(isActive ? Theme::cardBorderActive() : Theme::cardBorderHover());
-    painter.drawRoundedRect(
-        QRectF(thumb.left() + (thumb.width() - width) / 2, thumb.top(), width, thumb.height()), width / 2,
-        width / 2);
+    paintFilledBox(painter,
+                   QRectF(thumb.left() + (thumb.width() - width) / 2, thumb.top(), width, thumb.height()),
+                   width / 2, isActive ? Theme::cardBorderActive() : Theme::cardBorderHover());
 }
 
 void QuietScrollBar::enterEvent(QEnterEvent *event) {

@@ -132,13 +132,7 @@ double SearchRowView::layOutLines(double width) {
 void SearchRowView::paintEvent(QPaintEvent *) {
     const auto layout = layoutForWidth(width());
     QPainter painter(this);
-    if (isHovered()) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Theme::hoverBg());
-        painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
-        painter.setRenderHint(QPainter::Antialiasing, false);
-    }
+    paintHoverBackground(painter, cornerRadius);
     m_title.paint(painter, layout.title, Theme::ink());
     painter.setPen(Theme::pastText());
     m_snippet.draw(&painter, layout.snippet.topLeft());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/ElidedLabel.h>
 #include <DiaryApp/Localization.h>
+#include <DiaryApp/RoundedBox.h>
+#include <DiaryApp/RuleView.h>
 #include <DiaryApp/SearchResultsView.h>
 #include <DiaryApp/SearchWindowController.h>
 #include <DiaryApp/Text.h>
@@ -49,11 +51,8 @@ protected:
     void paintEvent(QPaintEvent *event) override {
         {
             QPainter painter(this);
-            painter.setRenderHint(QPainter::Antialiasing);
-            painter.setPen(QPen(hasFocus() ? Theme::cardBorderHover() : Theme::cardBorder(), 1));
-            painter.setBrush(Theme::cardBgActive());
-            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), fieldCornerRadius - 0.5,
-                                    fieldCornerRadius - 0.5);
+            paintBorderedBox(painter, rect(), fieldCornerRadius, Theme::cardBgActive(),
+                             hasFocus() ? Theme::cardBorderHover() : Theme::cardBorder());
         }
         QLineEdit::paintEvent(event);
     }
@@ -133,11 +132,7 @@ void SearchWindowController::buildWindow() {
     m_awaitingLabel = new ElidedLabel(Theme::system(11), Theme::statusText(), Qt::ElideRight, m_window.get());
     m_awaitingLabel->setObjectName(QStringLiteral("awaitingLabel"));
     m_awaitingLabel->hide();
-    m_awaitingDivider = new QWidget(m_window.get());
-    m_awaitingDivider->setAutoFillBackground(true);
-    auto dividerColors = m_awaitingDivider->palette();
-    dividerColors.setColor(QPalette::Window, Theme::borderSoft());
-    m_awaitingDivider->setPalette(dividerColors);
+    m_awaitingDivider = new RuleView(Theme::borderSoft(), Qt::Horizontal, m_window.get());
     m_awaitingDivider->hide();
 
     m_searchField->installEventFilter(this);

@@ -23,6 +23,7 @@ class QWidget;
 namespace diary {
 
 class ElidedLabel;
+class RuleView;
 class SearchResultsView;
 
 // What the parts of the search window take.
@@ -97,7 +98,7 @@ private:
     SearchResultsView *m_results = nullptr;
     QLabel *m_emptyLabel = nullptr;
     ElidedLabel *m_awaitingLabel = nullptr;
-    QWidget *m_awaitingDivider = nullptr;
+    RuleView *m_awaitingDivider = nullptr;
 };
 
 } // namespace diary

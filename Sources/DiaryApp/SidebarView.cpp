@@ -9,7 +9,6 @@
 #include <DiaryApp/TodayButton.h>
 
 #include <QEvent>
-#include <QLabel>
 #include <QPainter>
 #include <QStyle>
 
@@ -41,12 +40,7 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        if (isHovered()) {
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(Theme::hoverBg());
-            painter.drawRoundedRect(rect(), buttonRadius, buttonRadius);
-        }
+        paintHoverBackground(painter, buttonRadius);
         paintFocusRing(painter, rect(), buttonRadius);
     }
 };
@@ -161,14 +155,9 @@ void SidebarView::buildMonthHeader() {
 
 SidebarView::Statistic SidebarView::makeStatistic(const QString &label, const char *valueName) {
     Statistic statistic{new ElidedLabel(Theme::system(11.5), Theme::statLabel(), Qt::ElideRight, this),
-                        new QLabel(this)};
+                        new ElidedLabel(Theme::mono(11.5), Theme::inkMed(), Qt::ElideRight, this)};
     statistic.label->setText(label);
     statistic.value->setObjectName(QLatin1String(valueName));
-    statistic.value->setTextFormat(Qt::PlainText);
-    statistic.value->setFont(Theme::mono(11.5));
-    auto palette = statistic.value->palette();
-    palette.setColor(QPalette::WindowText, Theme::inkMed());
-    statistic.value->setPalette(palette);
     return statistic;
 }
 

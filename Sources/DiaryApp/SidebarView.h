@@ -14,8 +14,6 @@
 #include <optional>
 #include <set>
 
-class QLabel;
-
 namespace diary {
 
 class ChromeButton;
@@ -102,7 +100,7 @@ private:
     using Intent = std::function<void()> SidebarView::*;
     struct Statistic {
         ElidedLabel *label;
-        QLabel *value;
+        ElidedLabel *value;
     };
 
     std::function<void()> forwarding(Intent intent);

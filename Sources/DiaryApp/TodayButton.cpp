@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/ElidedLabel.h>
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 #include <DiaryApp/TodayButton.h>
 
@@ -62,12 +63,8 @@ void TodayButton::changeEvent(QEvent *event) {
 
 void TodayButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(isHovered() ? Theme::cardBorderHover() : Theme::cardBorder(), 1));
-    painter.setBrush(isHovered() ? Theme::cardBgActive() : Theme::cardBg());
-    // The line's own middle, so that it fills whole pixels.
-    const double radius = cornerRadius - 0.5;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    paintBorderedBox(painter, rect(), cornerRadius, isHovered() ? Theme::cardBgActive() : Theme::cardBg(),
+                     isHovered() ? Theme::cardBorderHover() : Theme::cardBorder());
     paintFocusRing(painter, rect(), cornerRadius);
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 #include <DiaryApp/YearCardView.h>
 
@@ -120,12 +121,8 @@ void YearCardView::hoverDidChange() {
 void YearCardView::paintEvent(QPaintEvent *) {
     const auto layout = layoutForWidth(width());
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(isHovered() ? Theme::cardBorderHover() : m_model.border, 1));
-    painter.setBrush(m_model.background);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
-                            cornerRadius - 0.5);
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    paintBorderedBox(painter, rect(), cornerRadius, m_model.background,
+                     isHovered() ? Theme::cardBorderHover() : m_model.border);
     painter.fillRect(layout.divider, Theme::borderSoft());
 
     m_year.paint(painter, layout.year, m_model.yearColor);

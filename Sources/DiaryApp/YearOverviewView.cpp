@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MonthHeatView.h>
+#include <DiaryApp/RoundedBox.h>
 #include <DiaryApp/Theme.h>
 #include <DiaryApp/YearOverviewView.h>
 
@@ -44,10 +45,7 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(m_color);
-        painter.drawRoundedRect(rect(), 3, 3);
+        paintFilledBox(painter, rect(), 3, m_color);
     }
 
 private:

@@ -320,7 +320,7 @@ TEST_F(SidebarLanguages, showEveryTextWhole) {
             model.names = names;
             view.update(model);
             const auto labels = view.findChildren<ElidedLabel *>();
-            EXPECT_EQ(labels.size(), 6);
+            EXPECT_EQ(labels.size(), 9);
             for (const auto *label : labels)
                 EXPECT_EQ(label->shownText(), label->text()) << code.toStdString();
             for (const auto *label : view.findChildren<QLabel *>())
