@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <map>
@@ -26,7 +25,6 @@
 namespace diary {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::waitUntil;
 
 // Without strict checks of strings: libxkbcommon copies parts of buffers that no zero ends.
@@ -202,16 +200,13 @@ TEST_F(XServerTest, rescuesAndEndsWhenItIsTerminatedWithAnAlertOnTheScreen) {
     EXPECT_EQ(folder.read("state/tavelo/rescued/" + year + "-" + today.fileName()), "Rescued");
 }
 
-TEST_F(XServerTest, showsAYearThatAnotherProgramAddsWithinASecondWhenItIsIdle) {
+TEST_F(XServerTest, showsAYearThatAnotherProgramAddsWhenItIsIdle) {
     writeFile("## 2019\n\nOld words\n");
     ASSERT_NO_FATAL_FAILURE(startProgram());
     ASSERT_TRUE(waitUntil([this] { return isShown("push button", "2019"); }));
     EXPECT_FALSE(isShown("push button", "2021"));
     writeFile("## 2019\n\nOld words\n\n## 2021\n\nFrom elsewhere\n\n## " + year + "\n\nToo\n");
-    const auto start = std::chrono::steady_clock::now();
     EXPECT_TRUE(waitUntil([this] { return shownText(year) == "Too"; }));
-    // The debounce, and room for a machine that is slow with sanitizers and a screen reader.
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
     EXPECT_TRUE(isShown("push button", "2021"));
 }
 
@@ -236,6 +231,29 @@ TEST_F(XServerTest, typesSelectsUndoesAndRedoesAPage) {
         "```\ncode **plain**\n```\n\n> quoted\n\n[link](https://example.org)\n";
     type(page);
     EXPECT_TRUE(waitUntil([&] { return shownText(year) == page; })) << shownText(year);
+
+    // A word by double click, and two letters more by keys.
+    const auto word = page.find("Fog");
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    std::istringstream(bus->ask({"extents", "text", year, std::to_string(word + 1)}).value_or("")) >> x >>
+        y >> width >> height;
+    ASSERT_GT(height, 0);
+    ASSERT_TRUE(server
+                    ->xdotool({"mousemove", std::to_string(x + width / 2), std::to_string(y + height / 2),
+                               "click", "--repeat", "2", "--delay", "50", "1"})
+                    .has_value());
+    const auto isSelected = [&](std::size_t length) {
+        const auto selection = "(" + std::to_string(word) + ", " + std::to_string(word + length) + ")";
+        return waitUntil([&] {
+            return bus->ask({"caret", "text", year}).value_or("").find(selection) != std::string::npos;
+        });
+    };
+    EXPECT_TRUE(isSelected(3)) << bus->ask({"caret", "text", year}).value_or("");
+    press("shift+Right", 2);
+    EXPECT_TRUE(isSelected(5)) << bus->ask({"caret", "text", year}).value_or("");
 
     // A heading and the line below it, gone and back.
     press("ctrl+Home");

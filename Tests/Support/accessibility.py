@@ -6,6 +6,7 @@
     accessibility.py PROGRAM text ROLE NAME    the text of an object
     accessibility.py PROGRAM press ROLE NAME   its first action
     accessibility.py PROGRAM caret ROLE NAME   its caret position and selections
+    accessibility.py PROGRAM extents ROLE NAME OFFSET   where a character stands on the screen: x y width height
 Fields are separated by tabs. Exits with 1 when there is no such program or object.
 """
 
@@ -64,7 +65,7 @@ def main():
             print(depth, accessible.getRoleName(), clean(accessible.name), clean(accessible.description),
                   " ".join(states(accessible)), " ".join(actions(accessible)), sep="\t")
         return
-    accessible = find(root, *arguments)
+    accessible = find(root, *arguments[:2])
     if command == "press":
         if not accessible.queryAction().doAction(0):
             sys.exit(1)
@@ -73,6 +74,8 @@ def main():
     elif command == "caret":
         text = accessible.queryText()
         print(text.caretOffset, *(text.getSelection(index) for index in range(text.getNSelections())), sep="\t")
+    elif command == "extents":
+        print(*accessible.queryText().getCharacterExtents(int(arguments[2]), pyatspi.DESKTOP_COORDS))
     else:
         sys.exit(2)
 
