@@ -4,6 +4,7 @@
 #include "Support/WaitUntil.h"
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <stdexcept>
 
@@ -52,6 +53,13 @@ AccessibilityBus::AccessibilityBus(const std::string &display) : m_environment{{
     };
     if (!waitUntil(isReady))
         throw std::runtime_error("at-spi-bus-launcher: " + m_launcher->errors());
+}
+
+AccessibilityBus::~AccessibilityBus() {
+    // Asked nicely: one that is killed leaves its bus behind.
+    if (m_launcher->isRunning())
+        m_launcher->sendSignal(SIGTERM);
+    m_launcher->waitForExit(10s);
 }
 
 std::optional<std::string> AccessibilityBus::ask(const std::vector<std::string> &command) const {

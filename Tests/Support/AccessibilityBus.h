@@ -20,6 +20,8 @@ public:
 
     // Ready for programs afterwards; throws std::runtime_error when it does not get that far.
     explicit AccessibilityBus(const std::string &display);
+    // Stops the services, and with the launcher the bus that it started.
+    ~AccessibilityBus();
 
     // For a program that is to be seen, and for everyone who asks.
     const std::map<std::string, std::string> &environment() const { return m_environment; }
