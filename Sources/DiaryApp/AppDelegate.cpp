@@ -3,6 +3,7 @@
 #include <DiaryApp/Alert.h>
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/DebugScenario.h>
+#include <DiaryApp/DraftJournal.h>
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainMenu.h>
@@ -126,8 +127,17 @@ bool AppDelegate::claimVault() {
 std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
     MenuActions actions;
     actions.quit = [this] { terminate(); };
-    auto controller = std::make_unique<MainWindowController>(makeStore(*m_executor), m_clock, m_fileManager,
-                                                             std::move(actions));
+    auto store = makeStore(*m_executor);
+    std::optional<DraftJournal> journal;
+    // Of another process's vault, another process keeps the journal.
+    if (m_claim && m_claimedVault == store->rootURL()) {
+        journal = DraftJournal::ofVault(store->rootURL());
+        restoreDrafts(*journal, *store);
+    }
+    auto controller =
+        std::make_unique<MainWindowController>(std::move(store), m_clock, m_fileManager, std::move(actions));
+    if (journal)
+        controller->session().keepJournal(*journal);
     controller->onClose = [this, window = controller.get()] {
         if (window == m_mainWindowController.get())
             terminate();

@@ -14,6 +14,7 @@ EditingSession::EditingSession(DiaryStore &store, Clock &clock)
       m_clock(clock),
       m_currentMonthDay(clock.today().monthDay()),
       m_viewedYear(clock.today().year),
+      m_journalTimer(clock.makeTimer([this] { writeJournal(); })),
       m_saveTimer(clock.makeTimer([this] { flushSaveIfDirty(); })),
       m_remoteRefreshTimer(clock.makeTimer([this] { performRemoteRefresh(); })),
       m_repairTimer(clock.makeTimer([this] { repairOverwrittenSaves(); })) {}
@@ -55,7 +56,7 @@ void EditingSession::setRawText(std::string text) {
 // Before another entry takes its place: what cannot be saved now is set aside.
 void EditingSession::leaveEntry() {
     if (!flushSaveIfDirty() && m_isDirty)
-        m_unsavedEntries.push_back({m_currentMonthDay, m_viewedYear, m_draft});
+        m_unsavedEntries.push_back({m_currentMonthDay, m_viewedYear, body(m_viewedYear), m_draft});
 }
 
 // After the day or the year changed and its text was loaded: a draft that was set aside comes back.
@@ -106,14 +107,36 @@ void EditingSession::draftChanged(const QString &text) {
     setDirty(true);
     render(Parts{} | Part::Rail | Part::Status | Part::TopBar);
     m_saveTimer->start(saveDelay);
+    // Not again: it fires while one types on.
+    if (m_journal && !m_journalTimer->isActive())
+        m_journalTimer->start(journalInterval);
+}
+
+std::vector<EditingSession::UnsavedEntry> EditingSession::unsavedEntries() const {
+    auto entries = m_unsavedEntries;
+    if (m_isDirty)
+        entries.push_back({m_currentMonthDay, m_viewedYear, body(m_viewedYear), m_draft});
+    return entries;
+}
+
+void EditingSession::writeJournal() {
+    std::vector<DraftJournal::Draft> drafts;
+    for (const auto &entry : unsavedEntries())
+        drafts.push_back({entry.monthDay, entry.year, toUtf8(entry.base), toUtf8(entry.text)});
+    if (!drafts.empty())
+        m_journal->write(drafts);
 }
 
 bool EditingSession::flushSaveIfDirty() {
     m_saveTimer->stop();
     const bool othersSaved = saveUnsavedEntries();
     const bool draftSaved = saveDraft();
-    if (othersSaved && draftSaved)
+    if (othersSaved && draftSaved) {
         m_didReportSaveError = false;
+        m_journalTimer->stop();
+        if (m_journal)
+            m_journal->clear();
+    }
     return othersSaved && draftSaved;
 }
 
@@ -182,10 +205,8 @@ void EditingSession::reportSaveError(const std::filesystem::filesystem_error &er
 }
 
 void EditingSession::rescueUnsavedText(const std::filesystem::path &folder) const {
-    auto entries = m_unsavedEntries;
-    if (m_isDirty)
-        entries.push_back({m_currentMonthDay, m_viewedYear, m_draft});
-    for (const auto &[monthDay, year, text] : entries) {
+    bool allRescued = true;
+    for (const auto &[monthDay, year, base, text] : unsavedEntries()) {
         const auto stem = std::to_string(year) + "-" + monthDay.headerTitle();
         const auto bytes = toUtf8(text);
         try {
@@ -200,8 +221,12 @@ void EditingSession::rescueUnsavedText(const std::filesystem::path &folder) cons
                 replaceFileDurably(file, bytes);
         } catch (const std::filesystem::filesystem_error &error) {
             std::fprintf(stderr, "tavelo: %s\n", error.what());
+            allRescued = false;
         }
     }
+    // One place is enough, and this is the one that the user is told of.
+    if (m_journal && allRescued)
+        m_journal->clear();
 }
 
 void EditingSession::scheduleRemoteRefresh() {

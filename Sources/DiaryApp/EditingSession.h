@@ -2,6 +2,7 @@
 #pragma once
 
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/DraftJournal.h>
 #include <DiaryApp/YearEntry.h>
 #include <DiaryKit/DiaryStore.h>
 
@@ -14,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace diary {
@@ -41,6 +43,9 @@ public:
     static constexpr std::chrono::milliseconds remoteRefreshDelay{300};
     // How long after a save to look whether another program wrote over it.
     static constexpr std::chrono::milliseconds repairDelay{1500};
+
+    // How often at most unsaved text is written to the journal while it is typed without a pause.
+    static constexpr std::chrono::milliseconds journalInterval{800};
 
     EditingSession(DiaryStore &store, Clock &clock);
     EditingSession(const EditingSession &) = delete;
@@ -90,6 +95,9 @@ public:
     // day is opened meanwhile, and tried again with the next edit, navigation or flush.
     bool flushSaveIfDirty();
 
+    // Unsaved text is written down there from now on.
+    void keepJournal(DraftJournal journal) { m_journal = std::move(journal); }
+
     // Writes what is unsaved to files of their own in the folder, one an entry, and none for a text that is
     // there already. For the way out of a process that cannot save; a failure here has nowhere left to go.
     void rescueUnsavedText(const std::filesystem::path &folder) const;
@@ -106,6 +114,7 @@ private:
     struct UnsavedEntry {
         MonthDay monthDay;
         std::int64_t year = 0;
+        QString base; // the entry that was typed on
         QString text;
     };
 
@@ -122,6 +131,8 @@ private:
     void reloadFromDisk();
     void repairOverwrittenSaves();
     void setDirty(bool dirty);
+    std::vector<UnsavedEntry> unsavedEntries() const;
+    void writeJournal();
     void render(Parts parts) const;
     void showFromTop() const;
 
@@ -138,6 +149,8 @@ private:
     std::optional<DiaryStore::FileTime> m_loadedModificationDate;
     bool m_didReportSaveError = false;
     std::vector<UnsavedEntry> m_unsavedEntries;
+    std::optional<DraftJournal> m_journal;
+    std::unique_ptr<Timer> m_journalTimer;
     std::unique_ptr<Timer> m_saveTimer;
     std::unique_ptr<Timer> m_remoteRefreshTimer;
     std::unique_ptr<Timer> m_repairTimer;

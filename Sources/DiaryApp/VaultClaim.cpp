@@ -41,20 +41,6 @@ FileDescriptor openClaimsFolder() {
     return FileDescriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-// The same for every name of the folder, whether or not it exists yet.
-std::string nameOf(const fs::path &vault) {
-    std::error_code error;
-    auto path = fs::weakly_canonical(fs::absolute(vault, error), error);
-    if (error)
-        path = vault.lexically_normal();
-    // "a/" is "a".
-    if (!path.has_filename() && path.has_relative_path())
-        path = path.parent_path();
-    const auto digest =
-        QCryptographicHash::hash(QByteArray::fromStdString(path.native()), QCryptographicHash::Sha256);
-    return digest.toHex().first(16).toStdString();
-}
-
 // By way of the open folder, since an address has room for 107 bytes only.
 std::optional<sockaddr_un> addressOf(const FileDescriptor &folder, const std::string &name) {
     const auto path = "/proc/self/fd/" + std::to_string(folder.get()) + "/" + name;
@@ -71,6 +57,19 @@ const sockaddr *pointer(const sockaddr_un &address) {
 }
 
 } // namespace
+
+std::string VaultClaim::nameOf(const fs::path &vault) {
+    std::error_code error;
+    auto path = fs::weakly_canonical(fs::absolute(vault, error), error);
+    if (error)
+        path = vault.lexically_normal();
+    // "a/" is "a".
+    if (!path.has_filename() && path.has_relative_path())
+        path = path.parent_path();
+    const auto digest =
+        QCryptographicHash::hash(QByteArray::fromStdString(path.native()), QCryptographicHash::Sha256);
+    return digest.toHex().first(16).toStdString();
+}
 
 std::unique_ptr<VaultClaim> VaultClaim::take(const fs::path &vault) {
     auto folder = openClaimsFolder();

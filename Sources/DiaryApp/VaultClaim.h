@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace diary {
 
@@ -27,6 +28,9 @@ public:
     // Asks the holder to come to the front. False when it did not listen, as while it still starts. The token
     // is what the desktop gave this process to take the focus with; it may be empty.
     static bool knock(const std::filesystem::path &vault, const QByteArray &activationToken);
+
+    // For files about the vault: the same for every way of writing its path, whether or not it exists.
+    static std::string nameOf(const std::filesystem::path &vault);
 
     VaultClaim(const VaultClaim &) = delete;
     VaultClaim &operator=(const VaultClaim &) = delete;

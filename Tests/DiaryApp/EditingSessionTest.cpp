@@ -659,6 +659,45 @@ TEST_F(EditingSessionTest, rescuesEveryUnsavedTextOnce) {
     EXPECT_EQ(folder.read("state/rescued/2020-07-04.md"), "Old fireworks.");
 }
 
+TEST_F(EditingSessionTest, writesDownWhatIsTypedWithoutAPauseAndForgetsItOnceItIsSaved) {
+    const DraftJournal journal(folder / "state" / "unsaved" / "x");
+    openWith(piDay, dayFile("03-14", "## 2025\n\nBegun.\n"));
+    session->keepJournal(journal);
+    std::string text = "Begun.";
+    for (int letter = 0; letter < 40; ++letter) {
+        type(text += "x");
+        clock.advance(100ms);
+    }
+    EXPECT_EQ(bodyOnDisk(piDay, 2025), "Begun.");
+    const auto drafts = journal.read();
+    ASSERT_EQ(drafts.size(), 1U);
+    EXPECT_EQ(drafts[0].monthDay, piDay);
+    EXPECT_EQ(drafts[0].year, 2025);
+    EXPECT_EQ(drafts[0].base, "Begun.");
+    // What was typed within the last second may be missing.
+    EXPECT_GE(drafts[0].text.size() + 10, text.size());
+
+    clock.advance(EditingSession::saveDelay);
+    EXPECT_EQ(bodyOnDisk(piDay, 2025), text);
+    EXPECT_FALSE(std::filesystem::exists(journal.file()));
+    clock.advance(10s);
+    EXPECT_FALSE(std::filesystem::exists(journal.file()));
+}
+
+TEST_F(EditingSessionTest, keepsEveryTextThatCannotBeSavedInTheJournalUntilItIsRescued) {
+    const DraftJournal journal(folder / "state" / "unsaved" / "x");
+    session->keepJournal(journal);
+    makeReadOnly(piDay);
+    type("Pi");
+    session->open({7, 4});
+    type("Fireworks");
+    clock.advance(EditingSession::journalInterval);
+    EXPECT_THAT(journal.read(), UnorderedElementsAre(DraftJournal::Draft{piDay, 2025, "", "Pi"},
+                                                     DraftJournal::Draft{{7, 4}, 2025, "", "Fireworks"}));
+    session->rescueUnsavedText(folder / "rescued");
+    EXPECT_FALSE(std::filesystem::exists(journal.file()));
+}
+
 TEST_F(EditingSessionTest, rescuesBesideWhatWasRescuedBefore) {
     folder.write("rescued/2025-03-14.md", "From last week.");
     folder.write("rescued/2025-03-14 2.md", "From yesterday.");
