@@ -36,4 +36,8 @@ void DesktopFileManager::openFolder(const std::filesystem::path &folder) {
     QDesktopServices::openUrl(url(folder));
 }
 
+void DesktopFileManager::openFile(const std::filesystem::path &file) {
+    QDesktopServices::openUrl(url(file));
+}
+
 } // namespace diary

@@ -16,6 +16,9 @@ public:
 
     // Shows what is in the folder.
     virtual void openFolder(const std::filesystem::path &folder) = 0;
+
+    // Opens the file with the program that the desktop has for its kind.
+    virtual void openFile(const std::filesystem::path &file) = 0;
 };
 
 // By the freedesktop file manager interface on the session bus.
@@ -23,6 +26,7 @@ class DesktopFileManager : public FileManager {
 public:
     void reveal(const std::filesystem::path &path) override;
     void openFolder(const std::filesystem::path &folder) override;
+    void openFile(const std::filesystem::path &file) override;
 };
 
 } // namespace diary
