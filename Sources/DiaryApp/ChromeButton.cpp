@@ -40,7 +40,10 @@ QSize ChromeButton::sizeHint() const {
 void ChromeButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     paintHoverBackground(painter, cornerRadius);
-    line().paint(painter, labelRect(), isHovered() ? m_style.hoverColor : m_style.normalColor);
+    const auto color = !isEnabled()  ? Theme::placeholder()
+                       : isHovered() ? m_style.hoverColor
+                                     : m_style.normalColor;
+    line().paint(painter, labelRect(), color);
     paintFocusRing(painter, rect(), cornerRadius);
 }
 

@@ -32,7 +32,9 @@ void IconButton::paintEvent(QPaintEvent *) {
     paintHoverBackground(painter, cornerRadius);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(symbolCentre);
-    painter.fillPath(m_outline, isHovered() ? Theme::inkTitle() : Theme::chevron());
+    painter.fillPath(m_outline, !isEnabled()  ? Theme::placeholder()
+                                : isHovered() ? Theme::inkTitle()
+                                              : Theme::chevron());
     painter.resetTransform();
     paintFocusRing(painter, rect(), cornerRadius);
 }

@@ -65,6 +65,13 @@ QPainterPath gear() {
     return outline;
 }
 
+QPainterPath cross() {
+    auto outline = polyline({{-4.5, -4.5}, {4.5, 4.5}});
+    outline.addPath(polyline({{-4.5, 4.5}, {4.5, -4.5}}));
+    outline.setFillRule(Qt::WindingFill);
+    return outline;
+}
+
 } // namespace
 
 QPainterPath symbolOutline(const QString &name) {
@@ -74,6 +81,7 @@ QPainterPath symbolOutline(const QString &name) {
         {QStringLiteral("gearshape"), gear()},
         {QStringLiteral("chevron.left"), polyline({{2.25, -4.75}, {-2.5, 0}, {2.25, 4.75}})},
         {QStringLiteral("chevron.right"), polyline({{-2.25, -4.75}, {2.5, 0}, {-2.25, 4.75}})},
+        {QStringLiteral("xmark"), cross()},
     };
     return outlines.value(name);
 }

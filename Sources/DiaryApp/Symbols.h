@@ -10,7 +10,7 @@ namespace diary {
 // with its centre at the origin. Straight lines lie on whole pixels when the origin does. Empty for a name
 // that is not known.
 //
-// Names: magnifyingglass, square.grid.3x3, gearshape, chevron.left, chevron.right.
+// Names: magnifyingglass, square.grid.3x3, gearshape, chevron.left, chevron.right, xmark.
 QPainterPath symbolOutline(const QString &name);
 
 } // namespace diary

@@ -40,6 +40,13 @@ TEST_F(ChromeButtonTest, isAsLargeAsItsTextAndThePadding) {
     EXPECT_LT(label.width(), QFontMetricsF(style.font).horizontalAdvance(button.text()) + 1);
 }
 
+TEST_F(ChromeButtonTest, isPaleWhileItCannotBePressed) {
+    button.setEnabled(false);
+    const auto picture = pictureOf(button);
+    EXPECT_GT(pixelsOf(Theme::placeholder(), picture, button.rect()), 0);
+    EXPECT_EQ(pixelsOf(Theme::chromeText(), picture, button.rect()), 0);
+}
+
 TEST_F(ChromeButtonTest, growsAndShrinksWithItsText) {
     const int width = button.width();
     button.setText(QStringLiteral("Random Day of the Year"));

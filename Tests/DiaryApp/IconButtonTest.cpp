@@ -50,6 +50,11 @@ TEST_F(IconButtonTest, darkensOnAGroundUnderThePointer) {
     EXPECT_NE(picture.pixel(0, 0), Theme::hoverBg().rgba());
 }
 
+TEST_F(IconButtonTest, isPaleWhileItCannotBePressed) {
+    button.setEnabled(false);
+    EXPECT_EQ(pixelsOf(Theme::placeholder(), pictureOf(button, 1), button.rect()), 9 * 12);
+}
+
 TEST_F(IconButtonTest, tellsWhatItIs) {
     EXPECT_EQ(button.toolTip(), QStringLiteral("Year Calendar"));
     const auto *accessible = QAccessible::queryAccessibleInterface(&button);
