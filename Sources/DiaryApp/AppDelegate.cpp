@@ -8,6 +8,7 @@
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainMenu.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/QtExecutor.h>
 #include <DiaryApp/RescuedTexts.h>
 #include <DiaryApp/Settings.h>
@@ -134,8 +135,9 @@ std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
         journal = DraftJournal::ofVault(store->rootURL());
         restoreDrafts(*journal, *store);
     }
-    auto controller =
-        std::make_unique<MainWindowController>(std::move(store), m_clock, m_fileManager, std::move(actions));
+    auto controller = std::make_unique<MainWindowController>(
+        std::move(store), m_clock, m_fileManager, std::move(actions),
+        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, nullptr));
     if (journal)
         controller->session().keepJournal(*journal);
     controller->onClose = [this, window = controller.get()] {

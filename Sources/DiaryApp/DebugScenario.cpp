@@ -3,6 +3,8 @@
 #include <DiaryApp/DebugScenario.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoPreviewController.h>
+#include <DiaryApp/PhotoPreviewPanel.h>
 
 #include <QApplication>
 #include <QDialog>
@@ -11,6 +13,7 @@
 #include <QTextCursor>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
@@ -22,6 +25,8 @@ namespace {
 
 constexpr double defaultDelaySeconds = 2.0;
 constexpr double longestDelaySeconds = 24 * 60 * 60;
+// The page's photos are there by then.
+constexpr std::chrono::seconds photoDelay{1};
 
 std::chrono::milliseconds screenshotDelay() {
     bool isNumber = false;
@@ -53,6 +58,23 @@ void showRequestedEntry(EditingSession &session) {
         session.toggleSourceView();
 }
 
+void openRequestedPhoto(AppDelegate &delegate) {
+    bool isIndex = false;
+    const auto index = qEnvironmentVariable("DIARY_OPEN_PHOTO").toLongLong(&isIndex);
+    if (!isIndex)
+        return;
+    QTimer::singleShot(photoDelay, &delegate, [&delegate, index] {
+        if (auto *mainWindow = delegate.mainWindowController())
+            mainWindow->openPhotoPreview(static_cast<std::size_t>(std::max(index, 0LL)));
+    });
+}
+
+void takePhotoPreviewPicture(const MainWindowController &controller, const QString &path) {
+    const auto *preview = controller.photoPreview();
+    if (auto *panel = preview ? preview->panel() : nullptr; panel && panel->isVisible())
+        panel->grab(panel->currentLayout().card).save(path, "PNG");
+}
+
 // A picture that cannot be written is no reason to miss the next.
 void takePicture(QWidget *view, const QString &path) {
     view->grab().save(path, "PNG");
@@ -63,8 +85,10 @@ void takePictures(AppDelegate &delegate, const QString &path) {
     auto *focused = QApplication::focusWidget();
     if (focused && !qEnvironmentVariableIsSet("DIARY_ACTIVATE"))
         focused->clearFocus();
-    if (auto *controller = delegate.mainWindowController())
+    if (auto *controller = delegate.mainWindowController()) {
         takePicture(controller->contentView(), path);
+        takePhotoPreviewPicture(*controller, path + QStringLiteral(".ql.png"));
+    }
     for (auto *window : QApplication::topLevelWidgets()) {
         const bool isPanel =
             qobject_cast<QDialog *>(window) || window->objectName() == QLatin1String("DiarySearchWindow");
@@ -89,6 +113,8 @@ void runDebugScenario(AppDelegate &delegate) {
         mainWindow->showYearOverview();
     if (qEnvironmentVariableIsSet("DIARY_TYPE_TEXT") && mainWindow->textView())
         mainWindow->textView()->textCursor().insertText(qEnvironmentVariable("DIARY_TYPE_TEXT"));
+
+    openRequestedPhoto(delegate);
 
     const auto path = qEnvironmentVariable("DIARY_SCREENSHOT");
     QTimer::singleShot(screenshotDelay(), &delegate, [&delegate, path] {

@@ -9,6 +9,7 @@
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/SearchWindowController.h>
 #include <DiaryApp/SidebarView.h>
 #include <DiaryApp/StatusBarView.h>
@@ -24,6 +25,7 @@
 #include <QScrollArea>
 
 #include <algorithm>
+#include <cstdint>
 #include <system_error>
 #include <utility>
 
@@ -62,13 +64,15 @@ protected:
 };
 
 MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock,
-                                           FileManager &fileManager, MenuActions programActions)
+                                           FileManager &fileManager, MenuActions programActions,
+                                           std::unique_ptr<PhotoPreviewController> photoPreview)
     : m_clock(clock),
       m_fileManager(fileManager),
       m_programActions(std::move(programActions)),
       m_store(std::move(store)),
       m_session(std::make_unique<EditingSession>(*m_store, clock)),
       m_window(std::make_unique<QMainWindow>()),
+      m_photoPreview(std::move(photoPreview)),
       m_dayChange(clock, [this] { m_session->calendarDayChanged(); }) {
     buildWindow(clock);
     wireCallbacks();
@@ -165,7 +169,12 @@ void MainWindowController::connectSession() {
     m_session->onDirtyChanged = [this](bool dirty) { m_window->setWindowModified(dirty); };
     m_session->onMergedConflicts = [this] { flash(L("MergedRemoteNotice")); };
     m_session->onSaveError = [this](const QString &systemText) { showSaveError(systemText); };
-    m_session->onShowFromTop = [this] { m_entryView->startEntry(); };
+    m_session->onShowFromTop = [this] {
+        // Another page takes the keyboard, and its photos are others.
+        if (m_photoPreview)
+            m_photoPreview->dismiss();
+        m_entryView->startEntry();
+    };
 }
 
 void MainWindowController::showWindow() {
@@ -226,11 +235,25 @@ void MainWindowController::showYearOverview() {
     m_yearOverviewController->present(*m_store, Formatters::context(), m_session->currentMonthDay());
 }
 
+void MainWindowController::openPhotoPreview(std::size_t index) {
+    if (!m_photoPreview)
+        return;
+    const auto startIndex = static_cast<std::int64_t>(std::min(index, m_galleryPhotos.size()));
+    if (m_photoPreview->prepare(m_galleryPhotos, startIndex, {}))
+        m_photoPreview->present(m_contentView);
+}
+
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::Paint && m_statisticsRequest == StatisticsRequest::NotYet) {
         m_statisticsRequest = StatisticsRequest::None;
         QMetaObject::invokeMethod(
-            this, [this] { requestStatistics(); }, Qt::QueuedConnection);
+            this,
+            [this] {
+                requestStatistics();
+                if (m_photoPreview)
+                    m_photoPreview->askForMotionPreference();
+            },
+            Qt::QueuedConnection);
     }
     if (event->type() == QEvent::Close) {
         m_session->flushSaveIfDirty();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <DiaryApp/DayChange.h>
+#include <DiaryApp/DayPhoto.h>
 #include <DiaryApp/EditingSession.h>
 #include <DiaryApp/MainMenu.h>
 #include <DiaryKit/VaultObserver.h>
@@ -10,9 +11,11 @@
 #include <QRect>
 #include <QSize>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class QEvent;
 class QMainWindow;
@@ -23,6 +26,7 @@ namespace diary {
 class EntryView;
 class FileManager;
 class GrowingTextView;
+class PhotoPreviewController;
 class SearchWindowController;
 class SidebarView;
 class StatusBarView;
@@ -53,9 +57,10 @@ class MainWindowController : public QObject {
 
 public:
     // Opens today on the store. The actions are those that concern the whole program; the window adds its own
-    // and has them all in its menu.
+    // and has them all in its menu. Without a photo preview, photos are not shown large.
     MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock, FileManager &fileManager,
-                         MenuActions programActions = {});
+                         MenuActions programActions = {},
+                         std::unique_ptr<PhotoPreviewController> photoPreview = nullptr);
     ~MainWindowController() override;
 
     EditingSession &session() { return *m_session; }
@@ -84,6 +89,12 @@ public:
     void showSearch();
 
     void showYearOverview();
+
+    // Shows the photos of the day large, from this one on; the last when there are not so many, and nothing
+    // when there are none.
+    void openPhotoPreview(std::size_t index);
+    // May be none.
+    PhotoPreviewController *photoPreview() const { return m_photoPreview.get(); }
 
     // A notice in the status bar, for some seconds.
     void flash(const QString &notice);
@@ -131,6 +142,8 @@ private:
         UnderWayAndAgain,
     };
     StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
+    std::unique_ptr<PhotoPreviewController> m_photoPreview;
+    std::vector<DayPhoto> m_galleryPhotos;
     std::unique_ptr<SearchWindowController> m_searchController;       // made when it is first wanted
     std::unique_ptr<YearOverviewController> m_yearOverviewController; // likewise
     DayChange m_dayChange;

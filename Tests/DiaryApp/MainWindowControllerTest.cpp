@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "Support/FakeClock.h"
 #include "Support/FakeFileManager.h"
+#include "Support/ManualExecutor.h"
 #include "Support/TemporaryFolder.h"
 
 #include <DiaryApp/ElidedLabel.h>
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoPreviewController.h>
+#include <DiaryApp/PhotoPreviewPanel.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/ThemeLabel.h>
 #include <DiaryApp/YearCardView.h>
@@ -53,7 +56,8 @@ protected:
     void show() {
         controller = std::make_unique<MainWindowController>(
             std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
-            fileManager);
+            fileManager, MenuActions{.quit = [this] { ++quits; }},
+            std::make_unique<PhotoPreviewController>(fileManager, executor, nullptr));
         controller->showWindow();
         controller->window()->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(controller->window()));
@@ -96,6 +100,17 @@ protected:
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
 
+    // One photo large over the page.
+    void previewPhoto() {
+        QImage image(600, 400, QImage::Format_RGB32);
+        image.fill(Qt::darkCyan);
+        ASSERT_TRUE(controller->photoPreview()->prepare(
+            {{.image = image, .filename = QStringLiteral("a.jpg"), .timeText = {}, .assetIdentifier = {}}}, 0,
+            {}));
+        controller->photoPreview()->present(controller->contentView());
+        ASSERT_TRUE(controller->photoPreview()->panel()->isOpen());
+    }
+
     void pickYear(std::int64_t year) const {
         for (auto *card : window()->findChildren<YearCardView *>()) {
             if (!card->isHidden() && card->year() == year) {
@@ -110,6 +125,8 @@ protected:
     const std::filesystem::path vault = folder / "vault";
     testing::FakeClock clock{{2025, 3, 14}};
     testing::FakeFileManager fileManager;
+    testing::ManualExecutor executor;
+    int quits = 0;
     std::unique_ptr<MainWindowController> controller;
 };
 
@@ -509,6 +526,44 @@ TEST_F(MainWindowControllerTest, comesToTheFrontFromBeingMinimized) {
     controller->bringToFront();
     EXPECT_FALSE(window()->isMinimized());
     EXPECT_TRUE(window()->isVisible());
+}
+
+TEST_F(MainWindowControllerTest, opensNoPhotoPreviewWithoutPhotos) {
+    show();
+    controller->openPhotoPreview(0);
+    EXPECT_EQ(controller->photoPreview()->panel(), nullptr);
+}
+
+TEST_F(MainWindowControllerTest, keepsItsKeysFromThePageBehindAPhoto) {
+    show();
+    previewPhoto();
+    press(Qt::Key_Left, Qt::AltModifier);
+    press(Qt::Key_Left, Qt::ControlModifier);
+    press(Qt::Key_U, Qt::ControlModifier);
+    EXPECT_EQ(shownDay(), "03-14");
+    EXPECT_FALSE(controller->session().showSource());
+    EXPECT_TRUE(controller->photoPreview()->panel()->isOpen());
+    press(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(MainWindowControllerTest, goesOnWithTheTextAfterAPhoto) {
+    show();
+    type("be");
+    previewPhoto();
+    press(Qt::Key_N, {});
+    press(Qt::Key_Escape, {});
+    EXPECT_TRUE(textView()->hasFocus());
+    press(Qt::Key_E, {});
+    EXPECT_EQ(shownText(), "bee");
+}
+
+TEST_F(MainWindowControllerTest, showsNoPhotoOfAPageThatWasLeft) {
+    show();
+    previewPhoto();
+    controller->session().step(1);
+    EXPECT_FALSE(controller->photoPreview()->panel()->isVisible());
+    EXPECT_TRUE(textView()->hasFocus());
 }
 
 } // namespace

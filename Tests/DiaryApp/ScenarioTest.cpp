@@ -223,6 +223,12 @@ TEST_F(ScenarioTest, showsTheSearchWindowAndTheOverviewOnlyWhenToldTo) {
     EXPECT_NE(panel(), empty);
 }
 
+TEST_F(ScenarioTest, takesNoPictureOfAPhotoPreviewWhereThereAreNoPhotos) {
+    for (const auto *index : {"0", "-1", "first", ""})
+        run({{"DIARY_OPEN_PHOTO", index}, {"DIARY_SCREENSHOT_DELAY", "1.1"}});
+    EXPECT_THAT(folder.names(), ElementsAre("a.png"));
+}
+
 TEST_F(ScenarioTest, showsTheFileAsItStands) {
     folder.write("v/03-14.md", fileWith("03-14", 2019, "Old"));
     run({{"DIARY_VIEW_DAY", "03-14"}, {"DIARY_VIEW_SOURCE", "true"}});
