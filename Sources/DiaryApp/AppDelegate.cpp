@@ -2,12 +2,14 @@
 #include <DiaryApp/AboutBox.h>
 #include <DiaryApp/Alert.h>
 #include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/DayPhotoLibrary.h>
 #include <DiaryApp/DebugScenario.h>
 #include <DiaryApp/DraftJournal.h>
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainMenu.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoModule.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/QtExecutor.h>
 #include <DiaryApp/RescuedTexts.h>
@@ -62,7 +64,22 @@ QByteArray activationToken() {
 } // namespace
 
 AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager)
-    : m_clock(clock), m_fileManager(fileManager), m_executor(std::make_unique<QtExecutor>()) {
+    : m_clock(clock),
+      m_fileManager(fileManager),
+      m_photoModule(
+          PhotoModule::find(toUtf8(QCoreApplication::applicationDirPath()), PhotoModule::userFolders())),
+      m_photoQueue(std::make_unique<QtExecutor>(1)),
+      m_executor(std::make_unique<QtExecutor>()) {
+    if (m_photoModule)
+        m_photoModule->onChange = [this] {
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    if (m_mainWindowController)
+                        m_mainWindowController->photosDidChange();
+                },
+                Qt::QueuedConnection);
+        };
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &AppDelegate::applicationStateChanged);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationShouldTerminate);
     // The session manager goes on with the log-out only after this returns.
@@ -72,6 +89,10 @@ AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager)
 }
 
 AppDelegate::~AppDelegate() = default;
+
+PhotoSource *AppDelegate::photoSource() const {
+    return m_photoModule.get();
+}
 
 std::unique_ptr<DiaryStore> AppDelegate::makeStore(Executor &executor) {
     DiaryStore::Options options;
@@ -137,7 +158,8 @@ std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
     }
     auto controller = std::make_unique<MainWindowController>(
         std::move(store), m_clock, m_fileManager, std::move(actions),
-        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, nullptr));
+        std::make_unique<DayPhotoLibrary>(photoSource(), m_photoQueue.get()),
+        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, photoSource()));
     if (journal)
         controller->session().keepJournal(*journal);
     controller->onClose = [this, window = controller.get()] {

@@ -16,6 +16,8 @@ class DiaryStore;
 class Executor;
 class FileManager;
 class MainWindowController;
+class PhotoModule;
+class PhotoSource;
 class QtExecutor;
 class TerminationSignals;
 class VaultClaim;
@@ -37,6 +39,9 @@ public:
 
     // None before start-up.
     MainWindowController *mainWindowController() const { return m_mainWindowController.get(); }
+
+    // None where the photo module is not installed.
+    PhotoSource *photoSource() const;
 
     // A new window over the vault that the settings now name, on the same day of the calendar; the old one
     // is saved and closed.
@@ -62,6 +67,9 @@ private:
 
     Clock &m_clock;
     FileManager &m_fileManager;
+    // Before the queue, which still asks it while the work there ends.
+    std::unique_ptr<PhotoModule> m_photoModule;
+    std::unique_ptr<QtExecutor> m_photoQueue;
     std::unique_ptr<QtExecutor> m_executor;
     std::optional<std::filesystem::path> m_claimedVault;
     std::unique_ptr<VaultClaim> m_claim;

@@ -70,6 +70,8 @@ EntryPageLayout layoutEntryPage(const EntryPageMetrics &metrics, int pageWidth) 
     } else {
         placeTitle(page, metrics, width);
         bottom = placeBlock(page, metrics, width);
+        page.gallery = {0, bottom, width, metrics.gallery ? metrics.gallery(width) : 0};
+        bottom = bottomOf(page.gallery);
         if (metrics.gapLine) {
             const int gapWidth = width - EntryPageLayout::contentInset;
             page.gapLine = {EntryPageLayout::contentInset, bottom + 44, gapWidth, metrics.gapLine(gapWidth)};

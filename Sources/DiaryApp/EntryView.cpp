@@ -4,6 +4,7 @@
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MarkdownHighlighter.h>
+#include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/QuietScrollBar.h>
 #include <DiaryApp/RuleView.h>
 #include <DiaryApp/Settings.h>
@@ -130,6 +131,8 @@ EntryView::EntryView(QWidget *parent)
     m_subtitle = addLabel(m_column, "subtitle", Theme::system(12), Theme::daySubText());
     m_mark = addLabel(m_column, "mark", Theme::mono(13, Theme::Weight::Medium), Theme::accent());
     m_ago = addLabel(m_column, "ago", Theme::system(10.5), Theme::agoText());
+    m_galleryView = new PhotoGalleryView(m_column);
+    m_galleryView->setObjectName(QStringLiteral("galleryView"));
     m_gapLine =
         addText(m_column, "gapLine",
                 {.font = Theme::mono(11), .color = Theme::faint(), .lineHeightMultiple = 1.4, .wraps = true});
@@ -142,6 +145,10 @@ EntryView::EntryView(QWidget *parent)
         if (onNextDay)
             onNextDay();
     };
+    m_galleryView->onHeightChanged = [this] { layOut(); };
+    m_galleryView->onTileFocused = [this](const QRect &tile) { showTile(tile); };
+    connect(m_scrollView->verticalScrollBar(), &QScrollBar::valueChanged, m_galleryView,
+            &PhotoGalleryView::recheckPointer);
 }
 
 EntryView::~EntryView() = default;
@@ -158,7 +165,7 @@ void EntryView::update(const Model &model) {
     m_subtitle->setText(model.subtitle);
     m_gapLine->setText(model.gapLine.value_or(QString()));
     for (QWidget *widget : std::initializer_list<QWidget *>{m_dayKey, m_weekday, m_previousDay, m_nextDay,
-                                                            m_subtitle, m_mark, m_ago})
+                                                            m_subtitle, m_mark, m_ago, m_galleryView})
         widget->setVisible(!m_isSource);
     m_source->setVisible(m_isSource);
     m_gapLine->setVisible(!m_isSource && model.gapLine.has_value());
@@ -166,6 +173,9 @@ void EntryView::update(const Model &model) {
         removeContent();
     else
         showBlock(model.block);
+    // The order among the children is the one in which assistive technologies read them.
+    m_galleryView->raise();
+    m_gapLine->raise();
     // A click on the paper must not take the keyboard away from the editor.
     m_scrollView->setFocusPolicy(m_textView ? Qt::NoFocus : Qt::StrongFocus);
     layOut();
@@ -231,6 +241,8 @@ void EntryView::showEditor(const Model::Block::Editor &editor, const QString &ye
         const int contentWidth = entryContentWidth(width());
         m_textView->resize(contentWidth, m_textView->height());
         m_placeholderLabel->resize(contentWidth, m_placeholderLabel->height());
+        // Before the photos, which come next.
+        setTabOrder(m_nextDay, m_textView);
     }
     m_textView->setText(editor.draft);
     m_textView->setAccessibleName(year);
@@ -277,6 +289,12 @@ void EntryView::keepCaretVisible(const QRect &caret) {
     m_scrollView->ensureVisible(onPage.center().x(), onPage.center().y(), 0, onPage.height() / 2 + margin);
 }
 
+void EntryView::showTile(const QRect &tile) {
+    const QRect onPage(m_galleryView->mapTo(m_documentView, tile.topLeft()), tile.size());
+    constexpr int margin = 12;
+    m_scrollView->ensureVisible(onPage.center().x(), onPage.center().y(), 0, onPage.height() / 2 + margin);
+}
+
 EntryPageMetrics EntryView::metrics() const {
     const auto heightOf = [](const ThemeLabel *label) {
         return [label](int width) { return label->heightForWidth(width); };
@@ -306,6 +324,7 @@ EntryPageMetrics EntryView::metrics() const {
         metrics.content = [this](int width) { return m_textView->heightForWidth(width); };
     else
         metrics.content = heightOf(m_note);
+    metrics.gallery = [this](int width) { return m_galleryView->heightForWidth(width); };
     if (!m_gapLine->isHidden())
         metrics.gapLine = heightOf(m_gapLine);
     return metrics;
@@ -329,6 +348,7 @@ void EntryView::layOut() {
     m_subtitle->setGeometry(page.subtitle);
     m_mark->setGeometry(page.mark);
     m_ago->setGeometry(page.ago);
+    m_galleryView->setGeometry(page.gallery);
     m_gapLine->setGeometry(page.gapLine);
     if (m_note)
         m_note->setGeometry(page.content);

@@ -18,6 +18,7 @@ namespace diary {
 
 class ChromeButton;
 class GrowingTextView;
+class PhotoGalleryView;
 class RuleView;
 class ThemeLabel;
 
@@ -43,6 +44,7 @@ struct EntryPageMetrics {
     QSize mark;
     QSize ago;
     HeightForWidth content;
+    HeightForWidth gallery; // of the whole column; 0 without photos
     HeightForWidth gapLine;
 };
 
@@ -68,6 +70,7 @@ struct EntryPageLayout {
     QRect mark;
     QRect ago;
     QRect content;
+    QRect gallery;
     QRect gapLine;
 };
 
@@ -76,8 +79,8 @@ int entryContentWidth(int pageWidth);
 
 EntryPageLayout layoutEntryPage(const EntryPageMetrics &metrics, int pageWidth);
 
-// The page of one day: its title, one year's entry with the year in the gutter, and a note on the years
-// without one; or the day file as it stands.
+// The page of one day: its title, one year's entry with the year in the gutter, the photos of that day, and a
+// note on the years without an entry; or the day file as it stands.
 class EntryView : public QWidget {
     Q_OBJECT
 
@@ -139,6 +142,8 @@ public:
     QScrollArea *scrollView() const { return m_scrollView; }
     // None while there is no editor on the page.
     GrowingTextView *textView() const { return m_textView; }
+    // Stays from one update to the next, with its photos; hidden in source mode.
+    PhotoGalleryView *galleryView() const { return m_galleryView; }
     // Over an empty editor.
     GrowingTextView *placeholderLabel() const { return m_placeholderLabel; }
 
@@ -155,6 +160,7 @@ private:
     void showEditor(const Model::Block::Editor &editor, const QString &year);
     void showPlaceholder();
     void keepCaretVisible(const QRect &caret);
+    void showTile(const QRect &tile);
     EntryPageMetrics metrics() const;
     void layOut();
 
@@ -172,6 +178,7 @@ private:
     ThemeLabel *m_subtitle;
     ThemeLabel *m_mark;
     ThemeLabel *m_ago;
+    PhotoGalleryView *m_galleryView;
     ThemeLabel *m_gapLine;
     ThemeLabel *m_note = nullptr; // past text or the note of an empty block
     GrowingTextView *m_textView = nullptr;

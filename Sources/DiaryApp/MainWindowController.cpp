@@ -3,14 +3,17 @@
 #include <DiaryApp/Alert.h>
 #include <DiaryApp/DayGridView.h>
 #include <DiaryApp/DayModels.h>
+#include <DiaryApp/DayPhotoLibrary.h>
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/Formatters.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/SearchWindowController.h>
+#include <DiaryApp/Settings.h>
 #include <DiaryApp/SidebarView.h>
 #include <DiaryApp/StatusBarView.h>
 #include <DiaryApp/TodayButton.h>
@@ -22,6 +25,7 @@
 #include <QEvent>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QPointer>
 #include <QScrollArea>
 
 #include <algorithm>
@@ -65,6 +69,8 @@ protected:
 
 MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock,
                                            FileManager &fileManager, MenuActions programActions,
+                                           std::unique_ptr<DayPhotoLibrary> photoLibrary,
+
                                            std::unique_ptr<PhotoPreviewController> photoPreview)
     : m_clock(clock),
       m_fileManager(fileManager),
@@ -72,6 +78,8 @@ MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Cl
       m_store(std::move(store)),
       m_session(std::make_unique<EditingSession>(*m_store, clock)),
       m_window(std::make_unique<QMainWindow>()),
+      m_photoLibrary(photoLibrary ? std::move(photoLibrary) : std::make_unique<DayPhotoLibrary>()),
+      m_galleryDebounce(clock.makeTimer([this] { fetchGallery(); })),
       m_photoPreview(std::move(photoPreview)),
       m_dayChange(clock, [this] { m_session->calendarDayChanged(); }) {
     buildWindow(clock);
@@ -134,6 +142,7 @@ void MainWindowController::wireCallbacks() {
     m_sidebar->onShowSearch = [this] { showSearch(); };
     m_sidebar->onShowYearOverview = [this] { showYearOverview(); };
     m_sidebar->onShowSettings = m_programActions.showSettings;
+    m_entryView->galleryView()->onOpenPhoto = [this](std::size_t index) { openPhotoPreview(index); };
     m_entryView->onDraftChanged = [this](const QString &text) { m_session->draftChanged(text); };
     m_entryView->onPreviousDay = [this] { m_session->step(-1); };
     m_entryView->onNextDay = [this] { m_session->step(1); };
@@ -239,7 +248,10 @@ void MainWindowController::openPhotoPreview(std::size_t index) {
     if (!m_photoPreview)
         return;
     const auto startIndex = static_cast<std::int64_t>(std::min(index, m_galleryPhotos.size()));
-    if (m_photoPreview->prepare(m_galleryPhotos, startIndex, {}))
+    const auto sourceFrame = [gallery = QPointer(m_entryView->galleryView())](std::size_t photo) {
+        return gallery ? gallery->sourceFrameOnScreen(photo) : QRect();
+    };
+    if (m_photoPreview->prepare(m_galleryPhotos, startIndex, sourceFrame))
         m_photoPreview->present(m_contentView);
 }
 
@@ -305,6 +317,58 @@ void MainWindowController::render(EditingSession::Parts parts) {
 
 void MainWindowController::renderEntry() {
     m_entryView->update(DayModels::entry(DayState::of(*m_session)));
+    refreshGallery();
+}
+
+// Photos of another day or year go at once. The same page may be rendered again at any time, and keeps its
+// photos until the library has answered anew.
+void MainWindowController::refreshGallery() {
+    ++m_galleryGeneration;
+    m_galleryFetch = GalleryFetch::None;
+    const GallerySubject subject{.monthDay = m_session->currentMonthDay(),
+                                 .year = m_session->viewedYear(),
+                                 .isShown = !m_session->showSource() && Settings::shared().showPhotos()};
+    if (subject != m_gallerySubject) {
+        m_gallerySubject = subject;
+        showGallery({});
+    }
+    if (subject.isShown)
+        m_galleryDebounce->start(galleryDelay);
+    else
+        m_galleryDebounce->stop();
+}
+
+void MainWindowController::fetchGallery() {
+    m_galleryFetch = GalleryFetch::UnderWay;
+    const auto &[monthDay, year, isShown] = m_gallerySubject;
+    m_photoLibrary->fetch(
+        year, monthDay.month, monthDay.day,
+        [window = QPointer(this), generation = m_galleryGeneration](std::vector<DayPhoto> photos) {
+            if (!window || window->m_galleryGeneration != generation)
+                return;
+            window->showGallery(std::move(photos));
+            const auto fetch = std::exchange(window->m_galleryFetch, GalleryFetch::None);
+            if (fetch == GalleryFetch::UnderWayAndAgain)
+                window->photosDidChange();
+        });
+}
+
+// While pictures are being found this comes often: the wait is not begun anew each time, lest it never end.
+void MainWindowController::photosDidChange() {
+    if (m_galleryFetch != GalleryFetch::None)
+        m_galleryFetch = GalleryFetch::UnderWayAndAgain;
+    else if (m_gallerySubject.isShown && !m_galleryDebounce->isActive())
+        m_galleryDebounce->start(galleryDelay);
+}
+
+void MainWindowController::showGallery(std::vector<DayPhoto> photos) {
+    if (photos == m_galleryPhotos)
+        return;
+    m_galleryPhotos = std::move(photos);
+    std::optional<QString> caption;
+    if (!m_galleryPhotos.empty())
+        caption = L("PhotosCaption", m_galleryPhotos.size());
+    m_entryView->galleryView()->setPhotos(m_galleryPhotos, caption);
 }
 
 void MainWindowController::renderRail() {

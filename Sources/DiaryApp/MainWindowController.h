@@ -11,7 +11,9 @@
 #include <QRect>
 #include <QSize>
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -23,6 +25,7 @@ class QWidget;
 
 namespace diary {
 
+class DayPhotoLibrary;
 class EntryView;
 class FileManager;
 class GrowingTextView;
@@ -56,10 +59,15 @@ class MainWindowController : public QObject {
     Q_OBJECT
 
 public:
+    // How long a day has to be shown before its photos are looked for.
+    static constexpr std::chrono::milliseconds galleryDelay{180};
+
     // Opens today on the store. The actions are those that concern the whole program; the window adds its own
-    // and has them all in its menu. Without a photo preview, photos are not shown large.
+    // and has them all in its menu. Without a library there are no photos but scripted ones; without a
+    // preview they are not shown large.
     MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock, FileManager &fileManager,
                          MenuActions programActions = {},
+                         std::unique_ptr<DayPhotoLibrary> photoLibrary = nullptr,
                          std::unique_ptr<PhotoPreviewController> photoPreview = nullptr);
     ~MainWindowController() override;
 
@@ -102,6 +110,10 @@ public:
     // Again with the present preferences, after one was changed.
     void renderEntry();
 
+    // The photo library may answer differently than before. What is shown stays until the new answer is
+    // there.
+    void photosDidChange();
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -115,6 +127,9 @@ private:
     void watchVault();
 
     void render(EditingSession::Parts parts);
+    void refreshGallery();
+    void fetchGallery();
+    void showGallery(std::vector<DayPhoto> photos);
     void renderTopBar();
     void renderSidebar();
     void requestStatistics();
@@ -142,8 +157,26 @@ private:
         UnderWayAndAgain,
     };
     StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
+    // Which photos the gallery is for.
+    struct GallerySubject {
+        MonthDay monthDay;
+        std::int64_t year = 0;
+        bool isShown = false; // neither in source mode nor against the user's wish
+        bool operator==(const GallerySubject &) const = default;
+    };
+    enum class GalleryFetch {
+        None,
+        UnderWay,
+        UnderWayAndAgain,
+    };
+    std::unique_ptr<DayPhotoLibrary> m_photoLibrary;
+    std::unique_ptr<Timer> m_galleryDebounce;
+    GallerySubject m_gallerySubject;
+    std::vector<DayPhoto> m_galleryPhotos; // as shown
+    // Goes up with every refresh; an answer to a fetch of an earlier one is dropped.
+    std::int64_t m_galleryGeneration = 0;
+    GalleryFetch m_galleryFetch = GalleryFetch::None; // of this generation
     std::unique_ptr<PhotoPreviewController> m_photoPreview;
-    std::vector<DayPhoto> m_galleryPhotos;
     std::unique_ptr<SearchWindowController> m_searchController;       // made when it is first wanted
     std::unique_ptr<YearOverviewController> m_yearOverviewController; // likewise
     DayChange m_dayChange;

@@ -5,8 +5,8 @@
 
 namespace diary {
 
-QtExecutor::QtExecutor() {
-    m_threads.setMaxThreadCount(2);
+QtExecutor::QtExecutor(int threads) {
+    m_threads.setMaxThreadCount(threads);
 }
 
 QtExecutor::~QtExecutor() {

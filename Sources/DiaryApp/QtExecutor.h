@@ -14,7 +14,8 @@ class QtExecutor : public QObject, public Executor {
     Q_OBJECT
 
 public:
-    QtExecutor();
+    // With one thread, what is run goes on in the order in which it came.
+    explicit QtExecutor(int threads = 2);
     ~QtExecutor() override;
 
     void runInBackground(Priority priority, std::function<void()> work) override;

@@ -94,6 +94,29 @@ TEST(EntryPageLayout, alignsTheGapLineWithTheContent) {
     EXPECT_EQ(page.column.height(), 605 + 17);
 }
 
+TEST(EntryPageLayout, placesThePhotosBelowTheBlockAndAboveTheGapLine) {
+    auto metrics = someMetrics();
+    metrics.gallery = [](int width) { return width / 4; };
+    auto page = layoutEntryPage(metrics, 852);
+    EXPECT_EQ(page.gallery, QRect(0, 209 + 352, 668, 167));
+    EXPECT_EQ(page.column.height(), 561 + 167);
+    metrics.gapLine = [](int) { return 30; };
+    page = layoutEntryPage(metrics, 852);
+    EXPECT_EQ(page.gapLine.y(), 561 + 167 + 44);
+    EXPECT_EQ(page.column.height(), page.gapLine.y() + 30);
+}
+
+TEST(EntryPageLayout, leavesNoRoomForPhotosThatAreNotThere) {
+    auto metrics = someMetrics();
+    metrics.gapLine = [](int) { return 30; };
+    const auto without = layoutEntryPage(metrics, 852);
+    metrics.gallery = [](int) { return 0; };
+    const auto page = layoutEntryPage(metrics, 852);
+    EXPECT_EQ(page.gapLine, without.gapLine);
+    EXPECT_EQ(page.pageHeight, without.pageHeight);
+    EXPECT_EQ(page.gallery.height(), 0);
+}
+
 TEST(EntryPageLayout, showsOnlyTheHeaderAndTheTextInSourceMode) {
     auto metrics = someMetrics();
     metrics.gapLine = [](int) { return 50; };
@@ -103,6 +126,7 @@ TEST(EntryPageLayout, showsOnlyTheHeaderAndTheTextInSourceMode) {
     EXPECT_EQ(page.column.height(), 61 + 1336);
     EXPECT_TRUE(page.dayKey.isNull());
     EXPECT_TRUE(page.content.isNull());
+    EXPECT_TRUE(page.gallery.isNull());
     EXPECT_TRUE(page.gapLine.isNull());
 }
 

@@ -5,6 +5,8 @@
 #include <DiaryApp/ChromeButton.h>
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/GrowingTextView.h>
+#include <DiaryApp/PhotoGalleryView.h>
+#include <DiaryApp/PhotoTileView.h>
 #include <DiaryApp/Theme.h>
 #include <DiaryApp/ThemeLabel.h>
 
@@ -21,7 +23,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace diary {
 namespace {
@@ -56,6 +60,13 @@ Model sourcePage(const QString &source) {
     model.gapLine = QStringLiteral("gap");
     model.sourceText = source;
     return model;
+}
+
+std::vector<DayPhoto> somePhotos(std::size_t count) {
+    std::vector<DayPhoto> photos(count);
+    for (std::size_t index = 0; index < count; ++index)
+        photos[index].filename = QStringLiteral("IMG_%1.HEIC").arg(index);
+    return photos;
 }
 
 class EntryViewTest : public ::testing::Test {
@@ -137,6 +148,98 @@ TEST_F(EntryViewTest, endsAtTheBlockWithoutAGapLine) {
     show(editorPage(QStringLiteral("line\n").repeated(40)));
     EXPECT_EQ(find<QWidget>("column")->height(), view.textView()->geometry().bottom() + 1);
     EXPECT_EQ(find<QWidget>("documentView")->height(), 40 + find<QWidget>("column")->height() + 140);
+}
+
+TEST_F(EntryViewTest, showsThePhotosBetweenTheTextAndTheGapLine) {
+    auto model = editorPage(QStringLiteral("line\n").repeated(8));
+    model.gapLine = QStringLiteral("No entry in 2020");
+    show(model);
+    auto *gallery = view.galleryView();
+    const int before = find("gapLine")->y();
+    EXPECT_EQ(gallery->height(), 0);
+    gallery->setPhotos(somePhotos(4), QStringLiteral("Photos"));
+    const int below = view.textView()->geometry().bottom() + 1;
+    EXPECT_EQ(gallery->geometry(), QRect(0, below, 668, gallery->heightForWidth(668)));
+    EXPECT_GT(gallery->height(), 300);
+    EXPECT_EQ(find("gapLine")->y(), below + gallery->height() + 44);
+    EXPECT_EQ(find<QWidget>("documentView")->height(), 40 + find<QWidget>("column")->height() + 140);
+    // They move with the text that grows.
+    QTest::keyClick(view.textView(), Qt::Key_Return);
+    EXPECT_GT(gallery->y(), below);
+    EXPECT_EQ(gallery->y(), view.textView()->geometry().bottom() + 1);
+    QTest::keyClick(view.textView(), Qt::Key_Backspace);
+    gallery->setPhotos({}, std::nullopt);
+    EXPECT_EQ(find("gapLine")->y(), before);
+}
+
+TEST_F(EntryViewTest, keepsThePhotosFromOneUpdateToTheNext) {
+    show(editorPage(QStringLiteral("draft")));
+    view.galleryView()->setPhotos(somePhotos(2), QStringLiteral("Photos"));
+    const auto tiles = view.galleryView()->tileViews();
+    view.update(sourcePage(QStringLiteral("## 2026")));
+    EXPECT_FALSE(view.galleryView()->isVisible());
+    EXPECT_EQ(find<QWidget>("column")->height(), find("source")->geometry().bottom() + 1);
+    view.update(pageOf(Block::Empty{QStringLiteral("Nothing here")}));
+    EXPECT_TRUE(view.galleryView()->isVisible());
+    EXPECT_EQ(view.galleryView()->tileViews(), tiles);
+}
+
+TEST_F(EntryViewTest, goesFromTheEditorToThePhotosByTab) {
+    show(editorPage(QString()));
+    view.galleryView()->setPhotos(somePhotos(2), QStringLiteral("Photos"));
+    // An editor that came later than the photos, too.
+    view.update(pageOf(Block::Empty{QStringLiteral("Nothing here")}));
+    view.update(editorPage(QString()));
+    view.takeKeyboard();
+    const auto &tiles = view.galleryView()->tileViews();
+    const auto step = [this](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(view.window(), key, modifiers);
+        return QApplication::focusWidget();
+    };
+    auto *next = view.textView()->nextInFocusChain();
+    while (!(next->focusPolicy() & Qt::TabFocus) || !next->isVisible())
+        next = next->nextInFocusChain();
+    EXPECT_EQ(next, tiles[0]);
+    tiles[0]->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(step(Qt::Key_Tab, {}), tiles[1]);
+    EXPECT_EQ(step(Qt::Key_Backtab, Qt::ShiftModifier), tiles[0]);
+    EXPECT_EQ(step(Qt::Key_Backtab, Qt::ShiftModifier), view.textView());
+}
+
+TEST_F(EntryViewTest, scrollsToThePhotoThatGetsTheKeyboard) {
+    view.resize(852, 420);
+    show(editorPage(QStringLiteral("line\n").repeated(20)));
+    view.galleryView()->setPhotos(somePhotos(9), QStringLiteral("Photos"));
+    const auto &tiles = view.galleryView()->tileViews();
+    const auto isInSight = [this](const QWidget *tile) {
+        const int top = tile->mapTo(&view, QPoint()).y();
+        return top >= 0 && top + tile->height() <= view.height();
+    };
+    EXPECT_EQ(scrolled(), 0);
+    tiles[0]->setFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(isInSight(tiles[0]));
+    for (int step = 0; step < 8; ++step) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_TRUE(isInSight(QApplication::focusWidget())) << step;
+    }
+    EXPECT_TRUE(tiles[8]->hasFocus());
+    QTest::keyClick(tiles[8], Qt::Key_Home);
+    EXPECT_TRUE(isInSight(tiles[0]));
+}
+
+TEST_F(EntryViewTest, leavesTheCaretWhereItIsWhenTheSpaceBetweenPhotosIsClicked) {
+    show(editorPage(QStringLiteral("one\ntwo")));
+    view.galleryView()->setPhotos(somePhotos(1), QStringLiteral("Photos"));
+    view.textView()->moveCursor(QTextCursor::Start);
+    const QPoint beside(500, 100);
+    testing::pressAt(*view.galleryView(), beside);
+    testing::releaseAt(*view.galleryView(), beside);
+    EXPECT_EQ(view.textView()->textCursor().position(), 0);
+    // Above the photos is paper still.
+    const QPoint above(500, 10);
+    testing::pressAt(*view.galleryView(), above);
+    testing::releaseAt(*view.galleryView(), above);
+    EXPECT_EQ(view.textView()->textCursor().position(), 7);
 }
 
 TEST_F(EntryViewTest, keepsItsMarginsInANarrowWindow) {

@@ -817,8 +817,6 @@ TEST(LocalizationTables, everyKeyIsUsedByTheProgramOrWaitsForItsWindow) {
     const QStringList waiting = {
         QStringLiteral("UpdateReadyNotice"),
         QStringLiteral("UpdateDownloadingNotice"),
-        QStringLiteral("PhotosMark"),
-        QStringLiteral("PhotosCaption"),
         QStringLiteral("General"),
         QStringLiteral("Language"),
         QStringLiteral("System Default"),

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "Support/FakeClock.h"
 #include "Support/FakeFileManager.h"
+#include "Support/FakePhotoSource.h"
 #include "Support/ManualExecutor.h"
+#include "Support/ScopedEnvironment.h"
 #include "Support/TemporaryFolder.h"
 
+#include <DiaryApp/DayPhotoLibrary.h>
 #include <DiaryApp/ElidedLabel.h>
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/PhotoPreviewPanel.h>
+#include <DiaryApp/PhotoTileView.h>
+#include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/ThemeLabel.h>
 #include <DiaryApp/YearCardView.h>
@@ -29,6 +35,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -42,8 +49,13 @@ namespace diary {
 namespace {
 
 using namespace std::chrono_literals;
+using std::chrono::April;
+using std::chrono::days;
+using std::chrono::January;
+using std::chrono::March;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 // The window over a vault of its own, on 14 March 2025.
 class MainWindowControllerTest : public ::testing::Test {
@@ -56,7 +68,7 @@ protected:
     void show() {
         controller = std::make_unique<MainWindowController>(
             std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
-            fileManager, MenuActions{.quit = [this] { ++quits; }},
+            fileManager, MenuActions{.quit = [this] { ++quits; }}, std::move(photoLibrary),
             std::make_unique<PhotoPreviewController>(fileManager, executor, nullptr));
         controller->showWindow();
         controller->window()->activateWindow();
@@ -127,6 +139,7 @@ protected:
     testing::FakeFileManager fileManager;
     testing::ManualExecutor executor;
     int quits = 0;
+    std::unique_ptr<DayPhotoLibrary> photoLibrary;
     std::unique_ptr<MainWindowController> controller;
 };
 
@@ -564,6 +577,269 @@ TEST_F(MainWindowControllerTest, showsNoPhotoOfAPageThatWasLeft) {
     controller->session().step(1);
     EXPECT_FALSE(controller->photoPreview()->panel()->isVisible());
     EXPECT_TRUE(textView()->hasFocus());
+}
+
+// The photos of the year 2025: three a day, each with the day in its name. What is asked of the source waits.
+class MainWindowGalleryTest : public MainWindowControllerTest {
+protected:
+    void SetUp() override {
+        MainWindowControllerTest::SetUp();
+        Settings::shared().setShowPhotos(true);
+        photoLibrary = std::make_unique<DayPhotoLibrary>(&source, &queue);
+        const std::chrono::local_days newYear(2026y / January / 1);
+        for (std::chrono::local_days day(2025y / January / 1); day < newYear; day += days(1)) {
+            const std::chrono::year_month_day date(day);
+            const MonthDay monthDay{static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day())};
+            for (int index = 0; index < 3; ++index)
+                source.add(monthDay.headerTitle() + "-" + std::to_string(index) + ".jpg",
+                           testing::FakePhotoSource::at(date, 8 + index, 30));
+        }
+    }
+    void TearDown() override { Settings::shared().setShowPhotos(true); }
+
+    void settle() {
+        for (int round = 0; round < 3; ++round) {
+            queue.runBackground();
+            QCoreApplication::processEvents();
+        }
+    }
+    void answerImages() {
+        const auto requests = std::exchange(source.imageRequests, {});
+        for (const auto &request : requests)
+            request.answer();
+        settle();
+    }
+    // The photos of the shown day come in.
+    void showPhotos() {
+        clock.advance(MainWindowController::galleryDelay);
+        settle();
+        answerImages();
+    }
+
+    PhotoGalleryView *gallery() const { return controller->entryView()->galleryView(); }
+    std::vector<std::string> shownPhotos() const {
+        std::vector<std::string> names;
+        for (const auto *tile : gallery()->tileViews())
+            names.push_back(toUtf8(tile->photo().filename));
+        return names;
+    }
+
+    testing::ManualExecutor queue;
+    testing::FakePhotoSource source;
+};
+
+TEST_F(MainWindowGalleryTest, showsThePhotosOfTheDayAMomentAfterTheDay) {
+    show();
+    clock.advance(MainWindowController::galleryDelay - 1ms);
+    settle();
+    EXPECT_THAT(source.queries, IsEmpty());
+    clock.advance(1ms);
+    settle();
+    ASSERT_EQ(source.queries.size(), 1U);
+    EXPECT_EQ(source.queries[0].start, testing::FakePhotoSource::at(2025y / March / 14, 0, 0));
+    EXPECT_EQ(source.queries[0].end, testing::FakePhotoSource::at(2025y / March / 15, 0, 0));
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+    answerImages();
+    EXPECT_THAT(shownPhotos(), ElementsAre("03-14-0.jpg", "03-14-1.jpg", "03-14-2.jpg"));
+    EXPECT_EQ(find<ElidedLabel>("photosCaption")->text(), QStringLiteral("Photos taken this day: 3"));
+    EXPECT_TRUE(find<QWidget>("photoTile2")->isVisible());
+}
+
+TEST_F(MainWindowGalleryTest, looksOnceForADayThatIsReachedInManySteps) {
+    show();
+    for (int step = 0; step < 5; ++step) {
+        clock.advance(MainWindowController::galleryDelay / 2);
+        click("nextDay");
+    }
+    settle();
+    EXPECT_THAT(source.queries, IsEmpty());
+    showPhotos();
+    EXPECT_EQ(source.queries.size(), 1U);
+    EXPECT_EQ(shownPhotos().at(0), "03-19-0.jpg");
+}
+
+// Also when they come late, in another order, and after the ones of the day that is shown.
+TEST_F(MainWindowGalleryTest, neverShowsAPhotoOfADayThatWasLeft) {
+    show();
+    const auto expectOnlyTheShownDay = [this] {
+        for (const auto &name : shownPhotos())
+            EXPECT_EQ(name.substr(0, 5), shownDay());
+    };
+    std::vector<testing::FakePhotoSource::ImageRequest> late;
+    std::size_t random = 1;
+    const auto next = [&random](std::size_t below) {
+        random = random * 6364136223846793005U + 1442695040888963407U;
+        return (random >> 33U) % below;
+    };
+    int daysWithPhotos = 0;
+    for (int step = 0; step < 30; ++step) {
+        click("nextDay");
+        EXPECT_THAT(shownPhotos(), IsEmpty());
+        clock.advance(MainWindowController::galleryDelay + 1ms);
+        if (next(4) > 0)
+            settle();
+        for (auto &request : std::exchange(source.imageRequests, {}))
+            late.push_back(std::move(request));
+        for (std::size_t answers = next(6); answers > 0 && !late.empty(); --answers) {
+            const auto which = late.begin() + static_cast<std::ptrdiff_t>(next(late.size()));
+            which->answer();
+            late.erase(which);
+            QCoreApplication::processEvents();
+            expectOnlyTheShownDay();
+        }
+        daysWithPhotos += !shownPhotos().empty();
+    }
+    settle();
+    // The newest first.
+    for (auto &request : std::exchange(source.imageRequests, {}))
+        late.push_back(std::move(request));
+    while (!late.empty()) {
+        late.back().answer();
+        late.pop_back();
+        settle();
+        expectOnlyTheShownDay();
+    }
+    EXPECT_EQ(shownDay(), "04-13");
+    EXPECT_THAT(shownPhotos(), ElementsAre("04-13-0.jpg", "04-13-1.jpg", "04-13-2.jpg"));
+}
+
+TEST_F(MainWindowGalleryTest, takesPhotosAwayTogetherWithTheirDayOrYear) {
+    folder.write("vault/03-14.md", "# 03-14\n\n## 2019\n\nNineteen\n");
+    show();
+    showPhotos();
+    ASSERT_EQ(shownPhotos().size(), 3U);
+    pickYear(2019);
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+    showPhotos();
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+    EXPECT_EQ(source.queries.back().start, testing::FakePhotoSource::at(2019y / March / 14, 0, 0));
+    pickYear(2025);
+    showPhotos();
+    ASSERT_EQ(shownPhotos().size(), 3U);
+    click("previousDay");
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+}
+
+TEST_F(MainWindowGalleryTest, looksForNoPhotosInSourceMode) {
+    show();
+    showPhotos();
+    press(Qt::Key_U, Qt::ControlModifier);
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+    source.queries.clear();
+    showPhotos();
+    EXPECT_THAT(source.queries, IsEmpty());
+    // Neither when it was on its way already.
+    press(Qt::Key_U, Qt::ControlModifier);
+    press(Qt::Key_U, Qt::ControlModifier);
+    showPhotos();
+    EXPECT_THAT(source.queries, IsEmpty());
+    controller->photosDidChange();
+    showPhotos();
+    EXPECT_THAT(source.queries, IsEmpty());
+    press(Qt::Key_U, Qt::ControlModifier);
+    showPhotos();
+    EXPECT_EQ(shownPhotos().size(), 3U);
+}
+
+TEST_F(MainWindowGalleryTest, looksForNoPhotosAgainstTheUsersWish) {
+    Settings::shared().setShowPhotos(false);
+    show();
+    showPhotos();
+    EXPECT_THAT(source.queries, IsEmpty());
+    Settings::shared().setShowPhotos(true);
+    controller->renderEntry();
+    showPhotos();
+    EXPECT_EQ(shownPhotos().size(), 3U);
+    Settings::shared().setShowPhotos(false);
+    controller->renderEntry();
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+}
+
+TEST_F(MainWindowGalleryTest, keepsThePhotosWhileThePageOfTheSameDayIsShownAgain) {
+    show();
+    showPhotos();
+    const auto tiles = gallery()->tileViews();
+    tiles[1]->setFocus(Qt::TabFocusReason);
+    controller->renderEntry();
+    EXPECT_EQ(shownPhotos().size(), 3U);
+    showPhotos();
+    EXPECT_EQ(source.queries.size(), 2U);
+    EXPECT_EQ(gallery()->tileViews(), tiles);
+    EXPECT_TRUE(tiles[1]->hasFocus());
+    source.clear();
+    controller->renderEntry();
+    EXPECT_EQ(shownPhotos().size(), 3U);
+    showPhotos();
+    EXPECT_THAT(shownPhotos(), IsEmpty());
+}
+
+TEST_F(MainWindowGalleryTest, looksAgainWhenMorePhotosAreFound) {
+    show();
+    showPhotos();
+    const auto tiles = gallery()->tileViews();
+    // Nothing of this day.
+    source.add("elsewhere.jpg", testing::FakePhotoSource::at(2025y / April / 1, 9, 0));
+    controller->photosDidChange();
+    showPhotos();
+    EXPECT_EQ(source.queries.size(), 2U);
+    EXPECT_EQ(gallery()->tileViews(), tiles);
+    source.add("new.jpg", testing::FakePhotoSource::at(2025y / March / 14, 9, 0));
+    controller->photosDidChange();
+    EXPECT_EQ(shownPhotos().size(), 3U);
+    showPhotos();
+    EXPECT_THAT(shownPhotos(), ElementsAre("03-14-0.jpg", "new.jpg", "03-14-1.jpg", "03-14-2.jpg"));
+    EXPECT_EQ(find<ElidedLabel>("photosCaption")->text(), QStringLiteral("Photos taken this day: 4"));
+}
+
+TEST_F(MainWindowGalleryTest, showsPhotosWhileMoreAndMoreAreFound) {
+    show();
+    showPhotos();
+    source.queries.clear();
+    for (int notice = 0; notice < 10; ++notice) {
+        controller->photosDidChange();
+        clock.advance(MainWindowController::galleryDelay / 2);
+    }
+    settle();
+    EXPECT_EQ(source.queries.size(), 1U);
+    // While the answer is awaited nothing else is asked, but afterwards it is.
+    source.add("new.jpg", testing::FakePhotoSource::at(2025y / March / 14, 9, 0));
+    controller->photosDidChange();
+    clock.advance(1s);
+    settle();
+    EXPECT_EQ(source.queries.size(), 1U);
+    answerImages();
+    showPhotos();
+    EXPECT_EQ(source.queries.size(), 2U);
+    EXPECT_EQ(shownPhotos().size(), 4U);
+}
+
+TEST_F(MainWindowGalleryTest, survivesPhotosThatComeAfterItIsGone) {
+    show();
+    clock.advance(MainWindowController::galleryDelay);
+    settle();
+    ASSERT_EQ(source.imageRequests.size(), 3U);
+    controller.reset();
+    answerImages();
+}
+
+TEST_F(MainWindowGalleryTest, standsBetweenTheEditorAndTheRailForTheKeyboard) {
+    folder.write("vault/03-14.md", "# 03-14\n\n## 2019\n\nNineteen\n");
+    show();
+    showPhotos();
+    textView()->setFocus();
+    press(Qt::Key_Tab, Qt::ControlModifier);
+    for (auto *tile : gallery()->tileViews()) {
+        EXPECT_EQ(QApplication::focusWidget(), tile);
+        press(Qt::Key_Tab, Qt::NoModifier);
+    }
+    EXPECT_TRUE(qobject_cast<YearCardView *>(QApplication::focusWidget()));
+}
+
+TEST_F(MainWindowControllerTest, showsScriptedPhotos) {
+    const testing::ScopedEnvironment count("DIARY_FAKE_PHOTOS", "7");
+    show();
+    clock.advance(MainWindowController::galleryDelay);
+    EXPECT_EQ(controller->entryView()->galleryView()->tileViews().size(), 7U);
 }
 
 } // namespace
