@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace diary {
+
+// What stands in LinuxInstall.sh.
+extern const char *const linuxInstallScript;
+
+} // namespace diary
