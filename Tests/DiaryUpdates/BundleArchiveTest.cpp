@@ -27,7 +27,6 @@ namespace diary {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::ownMounts;
