@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <DiaryApp/UpdateStaging.h>
 #include <DiaryApp/UpdateTools.h>
 
 #include <QByteArray>
-#include <QPointer>
 #include <QString>
 #include <QUrl>
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <variant>
-#include <vector>
 
 class QObject;
 
@@ -25,16 +25,26 @@ class Settings;
 // Keeps an installed bundle current: reads a small feed, stages a newer version that the maker signed, and
 // has it put in place when the program ends. Nothing is downloaded or installed where that cannot work.
 //
-// Main thread only. What it is made from must outlive it; destroying it ends a check without an answer.
+// Idle, then checking, downloading and staged; a check that fails leaves nothing staged. Of two processes
+// that could update the same user's application only one checks and stages at a time, and what it staged
+// stays its own until it has ended and the install script too.
+//
+// Main thread only. What it is made from must outlive it. Destroying it ends a check without an answer; it
+// may first wait for the archive to be written.
 class UpdateChecker {
 public:
-    // The feed: one JSON object with these keys, all strings.
+    // Bytes. More is an error, whoever sends it.
+    static constexpr std::int64_t largestFeed = std::int64_t{64} << 10U;
+    static constexpr std::int64_t largestArchive = std::int64_t{512} << 20U;
+    static constexpr qsizetype longestVersion = 64; // characters
+
+    // The feed: one JSON object with these keys, all strings, and perhaps others.
     struct Manifest {
-        QString version;   // dotted numbers, such as 1.4.2
+        QString version;   // dotted numbers, such as 1.4.2; letters, digits and ".-+_"
         QUrl url;          // of the zip archive with the new bundle
         QByteArray sha256; // of the archive, hexadecimal, lower case
 
-        // None when the bytes are anything else.
+        // None when the bytes are anything else, or have one of the keys twice.
         static std::optional<Manifest> parse(const QByteArray &json);
     };
 
@@ -58,7 +68,7 @@ public:
     // Of the program as it was started.
     static Surroundings surroundings();
 
-    // What is made when it is first needed; none where the update module is not installed.
+    // Called when it is first needed; they return none where the update module is not installed.
     struct Parts {
         std::function<std::unique_ptr<Downloader>()> makeDownloader;
         std::function<std::unique_ptr<UpdateTools>()> makeTools;
@@ -72,29 +82,38 @@ public:
     // Whether the program runs from a bundle in a folder that the user may write.
     bool isSupported() const;
     const QString &currentVersion() const;
+    // DIARY_UPDATE_URL as it stands when it is an address, else the maker's with the current version as "v".
     QUrl feedURL() const;
+
+    bool isRunning() const;
 
     // A silent check, when the last one is a day old, the user wants them, and nothing is staged yet.
     void checkIfDue();
 
-    // A whole check. The completion is called once, on the main thread; at once when there can be no check.
+    // A whole check. The completion is called once, on the main thread; at once when there can be no check,
+    // as while another one runs.
     void runCheck(std::function<void(const CheckResult &)> completion);
 
-    // While the program ends: hands what is staged to the install script.
+    // While the program ends: hands what is staged to the install script, once.
     void installPendingUpdate();
+
+    // What became of the update that was handed over last, also by another process; told once.
+    std::optional<UpdateStaging::Outcome> takeOutcome() const;
 
     // The version that is staged, and the one on its way.
     const std::optional<QString> &pendingVersion() const;
     const std::optional<QString> &downloadingVersion() const;
 
-    // Told the version, as long as the context lives.
+    // Told the version, in the order of their coming, as long as the context lives: the downloading observers
+    // when a download begins, the ready observers when an update was staged, before the check is answered.
     using Observer = std::function<void(const QString &version)>;
     void observeDownloading(QObject *context, Observer observer);
     void observeReady(QObject *context, Observer observer);
 
 private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    class State;
+    // Shared with what is on its way to the main thread, which finds out so that nobody waits any more.
+    std::shared_ptr<State> m_state;
 };
 
 } // namespace diary

@@ -94,5 +94,8 @@ fs::path state() {
 fs::path cache() {
     return baseDirectory("XDG_CACHE_HOME", ".cache") / programFolder;
 }
+fs::path data() {
+    return baseDirectory("XDG_DATA_HOME", ".local/share");
+}
 
 } // namespace diary::UserDirectories

@@ -21,4 +21,8 @@ std::filesystem::path config(); // settings
 std::filesystem::path state();  // what must survive but belongs to this machine
 std::filesystem::path cache();  // what can be made again
 
+// $XDG_DATA_HOME, else ".local/share" in the home folder: the base directory itself, since what the program
+// keeps there has a name of its own.
+std::filesystem::path data();
+
 } // namespace diary::UserDirectories

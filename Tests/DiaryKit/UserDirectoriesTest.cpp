@@ -38,6 +38,7 @@ private:
     ScopedEnvironment m_configVariable{"XDG_CONFIG_HOME", std::nullopt};
     ScopedEnvironment m_stateVariable{"XDG_STATE_HOME", std::nullopt};
     ScopedEnvironment m_cacheVariable{"XDG_CACHE_HOME", std::nullopt};
+    ScopedEnvironment m_dataVariable{"XDG_DATA_HOME", std::nullopt};
     ScopedEnvironment m_documentsVariable{"XDG_DOCUMENTS_DIR", std::nullopt};
 };
 
@@ -64,6 +65,7 @@ TEST_F(UserDirectoriesTest, keepsItsFilesBelowTheHomeFolder) {
     EXPECT_EQ(UserDirectories::config(), inHome(".config/tavelo"));
     EXPECT_EQ(UserDirectories::state(), inHome(".local/state/tavelo"));
     EXPECT_EQ(UserDirectories::cache(), inHome(".cache/tavelo"));
+    EXPECT_EQ(UserDirectories::data(), inHome(".local/share"));
     EXPECT_EQ(UserDirectories::documents(), inHome("Documents"));
     EXPECT_EQ(UserDirectories::pictures(), inHome("Pictures"));
 }
@@ -72,6 +74,7 @@ TEST_F(UserDirectoriesTest, createsNothing) {
     UserDirectories::config();
     UserDirectories::state();
     UserDirectories::cache();
+    UserDirectories::data();
     UserDirectories::documents();
     UserDirectories::pictures();
     EXPECT_TRUE(m_home.names().empty());
@@ -81,9 +84,11 @@ TEST_F(UserDirectoriesTest, keepsItsFilesInTheBaseDirectoriesOfTheEnvironment) {
     const ScopedEnvironment config("XDG_CONFIG_HOME", "/base/config");
     const ScopedEnvironment state("XDG_STATE_HOME", "/base/state");
     const ScopedEnvironment cache("XDG_CACHE_HOME", "/base/cache");
+    const ScopedEnvironment data("XDG_DATA_HOME", "/base/data");
     EXPECT_EQ(UserDirectories::config(), "/base/config/tavelo");
     EXPECT_EQ(UserDirectories::state(), "/base/state/tavelo");
     EXPECT_EQ(UserDirectories::cache(), "/base/cache/tavelo");
+    EXPECT_EQ(UserDirectories::data(), "/base/data");
 }
 
 TEST_F(UserDirectoriesTest, ignoresRelativeAndEmptyBaseDirectories) {
@@ -91,9 +96,11 @@ TEST_F(UserDirectoriesTest, ignoresRelativeAndEmptyBaseDirectories) {
         const ScopedEnvironment config("XDG_CONFIG_HOME", value);
         const ScopedEnvironment state("XDG_STATE_HOME", value);
         const ScopedEnvironment cache("XDG_CACHE_HOME", value);
+        const ScopedEnvironment data("XDG_DATA_HOME", value);
         EXPECT_EQ(UserDirectories::config(), inHome(".config/tavelo")) << value;
         EXPECT_EQ(UserDirectories::state(), inHome(".local/state/tavelo")) << value;
         EXPECT_EQ(UserDirectories::cache(), inHome(".cache/tavelo")) << value;
+        EXPECT_EQ(UserDirectories::data(), inHome(".local/share")) << value;
     }
 }
 
