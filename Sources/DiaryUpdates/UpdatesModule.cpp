@@ -4,6 +4,7 @@
 
 #include <DiaryApp/UpdateTools.h>
 #include <DiaryUpdates/HttpDownloader.h>
+#include <DiaryUpdates/LinuxUpdateTools.h>
 
 #define TAVELO_ENTRY extern "C" __attribute__((visibility("default")))
 
@@ -20,5 +21,5 @@ diary::Downloader *tavelo_make_downloader() {
 }
 
 diary::UpdateTools *tavelo_make_update_tools() {
-    return nullptr;
+    return new diary::LinuxUpdateTools(QStringLiteral(TAVELO_UPDATE_KEY));
 }
