@@ -88,23 +88,12 @@ std::optional<QUrl> feedOfTheUser() {
     return url.isValid() && !url.isEmpty() ? std::optional(url) : std::nullopt;
 }
 
-// Lets a process that is started meanwhile keep the descriptor.
-class Inheritable {
-public:
-    explicit Inheritable(int descriptor) : m_descriptor(descriptor) {
-        if (m_descriptor >= 0)
-            ::fcntl(m_descriptor, F_SETFD, 0);
-    }
-    Inheritable(const Inheritable &) = delete;
-    Inheritable &operator=(const Inheritable &) = delete;
-    ~Inheritable() {
-        if (m_descriptor >= 0)
-            ::fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
-    }
-
-private:
-    int m_descriptor;
-};
+// A copy that processes inherit which are started meanwhile. Its number is out of the way of what a shell
+// script opens, which would close it.
+FileDescriptor inheritableCopy(const FileDescriptor &descriptor) {
+    constexpr int lowest = 100;
+    return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD, lowest));
+}
 
 } // namespace
 
@@ -433,7 +422,7 @@ void UpdateChecker::State::install() {
         return;
     }
     // The script keeps the claim, so that nobody stages anything until it is done.
-    const Inheritable inherited(m_claim->get());
+    const auto inherited = inheritableCopy(*m_claim);
     m_isHandedOver =
         m_tools->launchInstallScript(m_staging.installScript(), QCoreApplication::applicationPid(),
                                      m_pendingBundle, m_surroundings.bundle, m_staging.folder());

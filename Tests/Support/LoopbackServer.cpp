@@ -20,6 +20,9 @@ namespace diary::testing {
 
 namespace {
 
+// The first byte of a client that expects an encrypted connection.
+constexpr char startOfEncryption = '\x16';
+
 [[noreturn]] void fail(const char *what) {
     throw std::system_error(errno, std::system_category(), what);
 }
@@ -34,11 +37,12 @@ bool sendAll(int socket, std::string_view bytes) {
     return true;
 }
 
-// The request up to the end of its headers; none when the client went before.
+// The request up to the end of its headers, or the beginning of what is no HTTP; none when the client went
+// before.
 std::optional<std::string> receiveHead(int socket) {
     std::string received;
     std::array<char, 4096> buffer{};
-    while (received.find("\r\n\r\n") == std::string::npos) {
+    while (received.find("\r\n\r\n") == std::string::npos && !received.starts_with(startOfEncryption)) {
         const auto count = ::recv(socket, buffer.data(), buffer.size(), 0);
         if (count <= 0)
             return std::nullopt;
