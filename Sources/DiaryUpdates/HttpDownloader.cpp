@@ -16,6 +16,7 @@ namespace diary {
 
 namespace {
 
+constexpr qint64 readAhead = qint64{1} << 20U; // bytes
 constexpr int statusOfSuccess = 200;
 constexpr std::array<int, 5> statusesOfRedirects = {301, 302, 303, 307, 308};
 
@@ -70,6 +71,9 @@ private:
         m_answer.body.clear();
         m_silence.start(m_request.timeout);
         m_reply = m_manager.get(requestFor(url));
+        // Without it the manager's thread would read for as long as a fast server sends, and the manager would
+        // wait for that thread when it goes.
+        m_reply->setReadBufferSize(readAhead);
         QObject::connect(m_reply, &QNetworkReply::metaDataChanged, &m_context, [this] { readHeaders(); });
         QObject::connect(m_reply, &QNetworkReply::readyRead, &m_context, [this] { readBody(); });
         QObject::connect(m_reply, &QNetworkReply::finished, &m_context, [this] { readEnd(); });
