@@ -195,6 +195,13 @@ std::optional<bool> Defaults::boolean(std::string_view key) const {
     return value.is_boolean() ? std::optional(value.get<bool>()) : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> Defaults::stringList(std::string_view key) const {
+    const auto value = current()->value(key);
+    const bool isList = value.is_array() && std::all_of(value.begin(), value.end(),
+                                                        [](const json &item) { return item.is_string(); });
+    return isList ? std::optional(value.get<std::vector<std::string>>()) : std::nullopt;
+}
+
 void Defaults::set(std::string_view key, std::string_view value) {
     requireUtf8(m_path, value);
     store(m_path, key, value);
@@ -206,6 +213,12 @@ void Defaults::set(std::string_view key, double value) {
 
 void Defaults::set(std::string_view key, bool value) {
     store(m_path, key, value);
+}
+
+void Defaults::set(std::string_view key, const std::vector<std::string> &values) {
+    for (const auto &value : values)
+        requireUtf8(m_path, value);
+    store(m_path, key, values);
 }
 
 void Defaults::remove(std::string_view key) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace diary {
 
@@ -32,6 +33,8 @@ public:
     std::optional<std::string> string(std::string_view key) const;
     std::optional<double> number(std::string_view key) const;
     std::optional<bool> boolean(std::string_view key) const;
+    // None also when any value of the list is no string.
+    std::optional<std::vector<std::string>> stringList(std::string_view key) const;
 
     // Missing folders are made. A number that is not finite is stored as null, which reads as absent.
     //
@@ -41,6 +44,7 @@ public:
     void set(std::string_view key, std::string_view value);
     void set(std::string_view key, double value);
     void set(std::string_view key, bool value);
+    void set(std::string_view key, const std::vector<std::string> &values);
     // Without this a string literal would be taken for a bool.
     void set(std::string_view key, const char *value) { set(key, std::string_view(value)); }
     // Writes nothing when there is no such key.

@@ -19,6 +19,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -30,6 +31,9 @@ namespace diary {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Optional;
 using testing::ScopedEnvironment;
 using testing::TemporaryFolder;
 using Names = std::set<std::string>;
@@ -109,6 +113,8 @@ TEST_F(DefaultsFile, giveBackWhatWasSet) {
     m_defaults.set("whole", 19.0);
     m_defaults.set("yes", true);
     m_defaults.set("no", false);
+    m_defaults.set("list", std::vector<std::string>{"/a", "Übung", ""});
+    m_defaults.set("emptyList", std::vector<std::string>());
 
     EXPECT_EQ(m_defaults.string("literal"), "a \"quoted\" path\n");
     EXPECT_EQ(m_defaults.string("view"), std::string("view\0with zero", 14));
@@ -117,6 +123,23 @@ TEST_F(DefaultsFile, giveBackWhatWasSet) {
     EXPECT_EQ(m_defaults.number("whole"), 19.0);
     EXPECT_EQ(m_defaults.boolean("yes"), true);
     EXPECT_EQ(m_defaults.boolean("no"), false);
+    EXPECT_THAT(m_defaults.stringList("list"), Optional(ElementsAre("/a", "Übung", "")));
+    EXPECT_THAT(m_defaults.stringList("emptyList"), Optional(IsEmpty()));
+}
+
+TEST_F(DefaultsFile, giveAListOnlyWhenAllItsValuesAreStrings) {
+    for (const char *json : {R"(["/a", 1])", R"("/a")", R"({"/a": "/b"})", "null", "[[]]"}) {
+        write(std::string(R"({"key": )") + json + "}");
+        EXPECT_EQ(m_defaults.stringList("key"), std::nullopt) << json;
+    }
+    EXPECT_EQ(m_defaults.stringList("other"), std::nullopt);
+}
+
+TEST_F(DefaultsFile, refuseAListWithAStringThatIsNotUtf8) {
+    m_defaults.set("key", std::vector<std::string>{"/a"});
+    const auto before = text();
+    EXPECT_EQ(refusal([](Defaults &d) { d.set("key", std::vector<std::string>{"/b", "\xff"}); }), EILSEQ);
+    EXPECT_EQ(text(), before);
 }
 
 TEST_F(DefaultsFile, takeAnotherTypeForAKey) {
