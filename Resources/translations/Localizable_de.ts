@@ -199,6 +199,16 @@
         <translation>Tavelo %@ ist bereit und wird beim Beenden installiert</translation>
     </message>
     <message>
+        <source>UpdateInstalledNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@ ist installiert</translation>
+    </message>
+    <message>
+        <source>UpdateKeptNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@ konnte nicht installiert werden; es hat sich nichts geändert</translation>
+    </message>
+    <message>
         <source>UpdateDownloadingNotice</source>
         <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
         <translation>Tavelo %@ wird heruntergeladen&#xa0;…</translation>
@@ -459,9 +469,49 @@
         <translation>Zurücksetzen</translation>
     </message>
     <message>
+        <source>Copy your diary to the new folder?</source>
+        <extracomment>Question after another folder was chosen that holds no diary yet; the folder's path stands below the next text.</extracomment>
+        <translation>Tagebuch in den neuen Ordner kopieren?</translation>
+    </message>
+    <message>
+        <source>There is no diary in the new folder yet. Only day files are copied, and the old folder stays as it is.</source>
+        <extracomment>Text of that question. A day file is the file of one day of the year, such as 03-14.md.</extracomment>
+        <translation>Im neuen Ordner ist noch kein Tagebuch. Nur die Tagesdateien werden kopiert, und der alte Ordner bleibt, wie er ist.</translation>
+    </message>
+    <message>
+        <source>Copy Diary</source>
+        <extracomment>First button under that question. Room: 200 px.</extracomment>
+        <translation>Tagebuch kopieren</translation>
+    </message>
+    <message>
+        <source>Start Empty</source>
+        <extracomment>Second button under that question: uses the new folder without any entries. Room: 200 px.</extracomment>
+        <translation>Leer beginnen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <extracomment>Button. Room: 200 px.</extracomment>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Copying the diary…</source>
+        <extracomment>State while the diary is copied to another folder, in place of the hint under the folder. Room: wraps at 330 px.</extracomment>
+        <translation>Tagebuch wird kopiert&#xa0;…</translation>
+    </message>
+    <message>
+        <source>The diary could not be copied and stays where it is.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>Das Tagebuch konnte nicht kopiert werden und bleibt, wo es ist.</translation>
+    </message>
+    <message>
+        <source>This setting could not be saved.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>Diese Einstellung konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
         <source>VaultHint</source>
         <extracomment>Under the folder. Room: wraps at 330 px.</extracomment>
-        <translation>Jeder Tag des Jahres ist eine Markdown-Datei in diesem Ordner. In einem synchronisierten Ordner haben Sie das Tagebuch auf allen Geräten. Ein anderer Ordner verschiebt keine Dateien.</translation>
+        <translation>Jeder Tag des Jahres ist eine Markdown-Datei in diesem Ordner. In einem synchronisierten Ordner haben Sie das Tagebuch auf allen Geräten. Wählen Sie einen leeren Ordner, bietet Tavelo an, das Tagebuch dorthin zu kopieren.</translation>
     </message>
     <message>
         <source>Choose the Diary Folder</source>
@@ -524,11 +574,6 @@
         <translation>Zugriff auf Fotos</translation>
     </message>
     <message>
-        <source>Open System Settings…</source>
-        <extracomment>Small button, after the next four. Room: 336 px together with any of them.</extracomment>
-        <translation>Systemeinstellungen&#xa0;…</translation>
-    </message>
-    <message>
         <source>PhotoAccessNotAsked</source>
         <extracomment>State: the computer has no folder of pictures.</extracomment>
         <translation>Kein Bilderordner</translation>
@@ -547,6 +592,26 @@
         <source>PhotoAccessAllowed</source>
         <extracomment>State: all folders of pictures can be read.</extracomment>
         <translation>Erlaubt</translation>
+    </message>
+    <message>
+        <source>Photos cannot be shown: a part of Tavelo is not installed.</source>
+        <extracomment>In place of the states above, where the part of the program that reads pictures is missing. Room: wraps at 330 px.</extracomment>
+        <translation>Fotos können nicht gezeigt werden: Ein Teil von Tavelo ist nicht installiert.</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <extracomment>Small button: picks one more folder in which photos are looked for. Room: 336 px together with any of the states above.</extracomment>
+        <translation>Ordner hinzufügen&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Choose a Folder with Photos</source>
+        <extracomment>Title of the window in which that folder is picked.</extracomment>
+        <translation>Ordner mit Fotos wählen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <extracomment>Small button beside such a folder: no longer look for photos there. The folder itself stays. Room: 120 px.</extracomment>
+        <translation>Entfernen</translation>
     </message>
     <message>
         <source>Updates &amp; Feedback</source>
@@ -582,6 +647,16 @@
         <source>FeedbackHint</source>
         <extracomment>Beside or under that button. Room: 340 px.</extracomment>
         <translation>Öffnet eine Nachricht in Ihrem E-Mail-Programm.</translation>
+    </message>
+    <message>
+        <source>This copy of Tavelo was built without an address for feedback.</source>
+        <extracomment>In place of that text, where the button cannot be pressed. Room: wraps at 330 px.</extracomment>
+        <translation>Dieses Tavelo wurde ohne eine Adresse für Feedback erstellt.</translation>
+    </message>
+    <message>
+        <source>No e-mail program could be opened. Please write to this address:</source>
+        <extracomment>Message after the button, followed by the address on a line of its own.</extracomment>
+        <translation>Es ließ sich kein E-Mail-Programm öffnen. Bitte schreiben Sie an diese Adresse:</translation>
     </message>
     <message>
         <source>OnboardTitle</source>

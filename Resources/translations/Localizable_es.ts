@@ -199,6 +199,16 @@
         <translation>Tavelo %@ está listo y se instalará al salir</translation>
     </message>
     <message>
+        <source>UpdateInstalledNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@ está instalado</translation>
+    </message>
+    <message>
+        <source>UpdateKeptNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>No se pudo instalar Tavelo %@; nada ha cambiado</translation>
+    </message>
+    <message>
         <source>UpdateDownloadingNotice</source>
         <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
         <translation>Descargando Tavelo %@…</translation>
@@ -459,9 +469,49 @@
         <translation>Restablecer</translation>
     </message>
     <message>
+        <source>Copy your diary to the new folder?</source>
+        <extracomment>Question after another folder was chosen that holds no diary yet; the folder's path stands below the next text.</extracomment>
+        <translation>¿Copiar el diario en la carpeta nueva?</translation>
+    </message>
+    <message>
+        <source>There is no diary in the new folder yet. Only day files are copied, and the old folder stays as it is.</source>
+        <extracomment>Text of that question. A day file is the file of one day of the year, such as 03-14.md.</extracomment>
+        <translation>En la carpeta nueva todavía no hay ningún diario. Solo se copian los archivos de los días, y la carpeta anterior queda como está.</translation>
+    </message>
+    <message>
+        <source>Copy Diary</source>
+        <extracomment>First button under that question. Room: 200 px.</extracomment>
+        <translation>Copiar el diario</translation>
+    </message>
+    <message>
+        <source>Start Empty</source>
+        <extracomment>Second button under that question: uses the new folder without any entries. Room: 200 px.</extracomment>
+        <translation>Empezar vacío</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <extracomment>Button. Room: 200 px.</extracomment>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>Copying the diary…</source>
+        <extracomment>State while the diary is copied to another folder, in place of the hint under the folder. Room: wraps at 330 px.</extracomment>
+        <translation>Copiando el diario…</translation>
+    </message>
+    <message>
+        <source>The diary could not be copied and stays where it is.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>No se pudo copiar el diario, que sigue donde está.</translation>
+    </message>
+    <message>
+        <source>This setting could not be saved.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>No se pudo guardar este ajuste.</translation>
+    </message>
+    <message>
         <source>VaultHint</source>
         <extracomment>Under the folder. Room: wraps at 330 px.</extracomment>
-        <translation>Cada día del año es un archivo Markdown de esta carpeta. En una carpeta sincronizada, tendrá el diario en todos sus dispositivos. Elegir otra carpeta no mueve ningún archivo.</translation>
+        <translation>Cada día del año es un archivo Markdown de esta carpeta. En una carpeta sincronizada, tendrá el diario en todos sus dispositivos. Si elige una carpeta vacía, Tavelo le ofrece copiar el diario en ella.</translation>
     </message>
     <message>
         <source>Choose the Diary Folder</source>
@@ -524,11 +574,6 @@
         <translation>Acceso a las fotos</translation>
     </message>
     <message>
-        <source>Open System Settings…</source>
-        <extracomment>Small button, after the next four. Room: 336 px together with any of them.</extracomment>
-        <translation>Configuración del sistema…</translation>
-    </message>
-    <message>
         <source>PhotoAccessNotAsked</source>
         <extracomment>State: the computer has no folder of pictures.</extracomment>
         <translation>Sin carpeta de imágenes</translation>
@@ -547,6 +592,26 @@
         <source>PhotoAccessAllowed</source>
         <extracomment>State: all folders of pictures can be read.</extracomment>
         <translation>Permitido</translation>
+    </message>
+    <message>
+        <source>Photos cannot be shown: a part of Tavelo is not installed.</source>
+        <extracomment>In place of the states above, where the part of the program that reads pictures is missing. Room: wraps at 330 px.</extracomment>
+        <translation>No se pueden mostrar fotos: falta instalar una parte de Tavelo.</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <extracomment>Small button: picks one more folder in which photos are looked for. Room: 336 px together with any of the states above.</extracomment>
+        <translation>Añadir carpeta…</translation>
+    </message>
+    <message>
+        <source>Choose a Folder with Photos</source>
+        <extracomment>Title of the window in which that folder is picked.</extracomment>
+        <translation>Elegir una carpeta con fotos</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <extracomment>Small button beside such a folder: no longer look for photos there. The folder itself stays. Room: 120 px.</extracomment>
+        <translation>Quitar</translation>
     </message>
     <message>
         <source>Updates &amp; Feedback</source>
@@ -582,6 +647,16 @@
         <source>FeedbackHint</source>
         <extracomment>Beside or under that button. Room: 340 px.</extracomment>
         <translation>Abre un mensaje en su programa de correo.</translation>
+    </message>
+    <message>
+        <source>This copy of Tavelo was built without an address for feedback.</source>
+        <extracomment>In place of that text, where the button cannot be pressed. Room: wraps at 330 px.</extracomment>
+        <translation>Esta copia de Tavelo se compiló sin una dirección para comentarios.</translation>
+    </message>
+    <message>
+        <source>No e-mail program could be opened. Please write to this address:</source>
+        <extracomment>Message after the button, followed by the address on a line of its own.</extracomment>
+        <translation>No se pudo abrir ningún programa de correo. Escriba a esta dirección:</translation>
     </message>
     <message>
         <source>OnboardTitle</source>

@@ -199,6 +199,16 @@
         <translation>Tavelo %@ est prêt et sera installé à la fermeture</translation>
     </message>
     <message>
+        <source>UpdateInstalledNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@ est installé</translation>
+    </message>
+    <message>
+        <source>UpdateKeptNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@ n’a pas pu être installé ; rien n’a changé</translation>
+    </message>
+    <message>
         <source>UpdateDownloadingNotice</source>
         <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
         <translation>Téléchargement de Tavelo %@…</translation>
@@ -459,9 +469,49 @@
         <translation>Réinitialiser</translation>
     </message>
     <message>
+        <source>Copy your diary to the new folder?</source>
+        <extracomment>Question after another folder was chosen that holds no diary yet; the folder's path stands below the next text.</extracomment>
+        <translation>Copier votre journal dans le nouveau dossier&#x202f;?</translation>
+    </message>
+    <message>
+        <source>There is no diary in the new folder yet. Only day files are copied, and the old folder stays as it is.</source>
+        <extracomment>Text of that question. A day file is the file of one day of the year, such as 03-14.md.</extracomment>
+        <translation>Le nouveau dossier ne contient pas encore de journal. Seuls les fichiers des jours sont copiés, et l’ancien dossier reste tel quel.</translation>
+    </message>
+    <message>
+        <source>Copy Diary</source>
+        <extracomment>First button under that question. Room: 200 px.</extracomment>
+        <translation>Copier le journal</translation>
+    </message>
+    <message>
+        <source>Start Empty</source>
+        <extracomment>Second button under that question: uses the new folder without any entries. Room: 200 px.</extracomment>
+        <translation>Commencer à vide</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <extracomment>Button. Room: 200 px.</extracomment>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Copying the diary…</source>
+        <extracomment>State while the diary is copied to another folder, in place of the hint under the folder. Room: wraps at 330 px.</extracomment>
+        <translation>Copie du journal…</translation>
+    </message>
+    <message>
+        <source>The diary could not be copied and stays where it is.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>Le journal n’a pas pu être copié et reste où il est.</translation>
+    </message>
+    <message>
+        <source>This setting could not be saved.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>Ce paramètre n’a pas pu être enregistré.</translation>
+    </message>
+    <message>
         <source>VaultHint</source>
         <extracomment>Under the folder. Room: wraps at 330 px.</extracomment>
-        <translation>Chaque jour de l’année est un fichier Markdown de ce dossier. Dans un dossier synchronisé, le journal est présent sur tous vos appareils. Changer de dossier ne déplace aucun fichier.</translation>
+        <translation>Chaque jour de l’année est un fichier Markdown de ce dossier. Dans un dossier synchronisé, le journal est présent sur tous vos appareils. Si vous choisissez un dossier vide, Tavelo propose d’y copier le journal.</translation>
     </message>
     <message>
         <source>Choose the Diary Folder</source>
@@ -524,11 +574,6 @@
         <translation>Accès aux photos</translation>
     </message>
     <message>
-        <source>Open System Settings…</source>
-        <extracomment>Small button, after the next four. Room: 336 px together with any of them.</extracomment>
-        <translation>Paramètres système…</translation>
-    </message>
-    <message>
         <source>PhotoAccessNotAsked</source>
         <extracomment>State: the computer has no folder of pictures.</extracomment>
         <translation>Aucun dossier d’images</translation>
@@ -547,6 +592,26 @@
         <source>PhotoAccessAllowed</source>
         <extracomment>State: all folders of pictures can be read.</extracomment>
         <translation>Autorisé</translation>
+    </message>
+    <message>
+        <source>Photos cannot be shown: a part of Tavelo is not installed.</source>
+        <extracomment>In place of the states above, where the part of the program that reads pictures is missing. Room: wraps at 330 px.</extracomment>
+        <translation>Les photos ne peuvent pas être affichées&#x202f;: une partie de Tavelo n’est pas installée.</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <extracomment>Small button: picks one more folder in which photos are looked for. Room: 336 px together with any of the states above.</extracomment>
+        <translation>Ajouter un dossier…</translation>
+    </message>
+    <message>
+        <source>Choose a Folder with Photos</source>
+        <extracomment>Title of the window in which that folder is picked.</extracomment>
+        <translation>Choisir un dossier de photos</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <extracomment>Small button beside such a folder: no longer look for photos there. The folder itself stays. Room: 120 px.</extracomment>
+        <translation>Retirer</translation>
     </message>
     <message>
         <source>Updates &amp; Feedback</source>
@@ -582,6 +647,16 @@
         <source>FeedbackHint</source>
         <extracomment>Beside or under that button. Room: 340 px.</extracomment>
         <translation>Ouvre un message dans votre messagerie.</translation>
+    </message>
+    <message>
+        <source>This copy of Tavelo was built without an address for feedback.</source>
+        <extracomment>In place of that text, where the button cannot be pressed. Room: wraps at 330 px.</extracomment>
+        <translation>Cette version de Tavelo a été compilée sans adresse pour vos commentaires.</translation>
+    </message>
+    <message>
+        <source>No e-mail program could be opened. Please write to this address:</source>
+        <extracomment>Message after the button, followed by the address on a line of its own.</extracomment>
+        <translation>Aucun logiciel de messagerie n’a pu être ouvert. Veuillez écrire à cette adresse&#x202f;:</translation>
     </message>
     <message>
         <source>OnboardTitle</source>

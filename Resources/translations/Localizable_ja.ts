@@ -199,6 +199,16 @@
         <translation>Tavelo %@の準備ができました。終了時にインストールされます</translation>
     </message>
     <message>
+        <source>UpdateInstalledNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@をインストールしました</translation>
+    </message>
+    <message>
+        <source>UpdateKeptNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@をインストールできませんでした。変更はありません</translation>
+    </message>
+    <message>
         <source>UpdateDownloadingNotice</source>
         <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
         <translation>Tavelo %@をダウンロード中…</translation>
@@ -459,9 +469,49 @@
         <translation>既定に戻す</translation>
     </message>
     <message>
+        <source>Copy your diary to the new folder?</source>
+        <extracomment>Question after another folder was chosen that holds no diary yet; the folder's path stands below the next text.</extracomment>
+        <translation>日記を新しいフォルダーにコピーしますか？</translation>
+    </message>
+    <message>
+        <source>There is no diary in the new folder yet. Only day files are copied, and the old folder stays as it is.</source>
+        <extracomment>Text of that question. A day file is the file of one day of the year, such as 03-14.md.</extracomment>
+        <translation>新しいフォルダーにはまだ日記がありません。コピーされるのは日ごとのファイルだけで、元のフォルダーはそのまま残ります。</translation>
+    </message>
+    <message>
+        <source>Copy Diary</source>
+        <extracomment>First button under that question. Room: 200 px.</extracomment>
+        <translation>日記をコピー</translation>
+    </message>
+    <message>
+        <source>Start Empty</source>
+        <extracomment>Second button under that question: uses the new folder without any entries. Room: 200 px.</extracomment>
+        <translation>空で始める</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <extracomment>Button. Room: 200 px.</extracomment>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Copying the diary…</source>
+        <extracomment>State while the diary is copied to another folder, in place of the hint under the folder. Room: wraps at 330 px.</extracomment>
+        <translation>日記をコピー中…</translation>
+    </message>
+    <message>
+        <source>The diary could not be copied and stays where it is.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>日記をコピーできませんでした。日記は元の場所にあります。</translation>
+    </message>
+    <message>
+        <source>This setting could not be saved.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>この設定を保存できませんでした。</translation>
+    </message>
+    <message>
         <source>VaultHint</source>
         <extracomment>Under the folder. Room: wraps at 330 px.</extracomment>
-        <translation>1年のそれぞれの日が、このフォルダーの1つのMarkdownファイルになります。同期フォルダーに置けば、すべてのデバイスで日記を使えます。フォルダーを変更しても、ファイルは移動しません。</translation>
+        <translation>1年のそれぞれの日が、このフォルダーの1つのMarkdownファイルになります。同期フォルダーに置けば、すべてのデバイスで日記を使えます。空のフォルダーを選ぶと、日記をコピーするかどうかを確認します。</translation>
     </message>
     <message>
         <source>Choose the Diary Folder</source>
@@ -524,11 +574,6 @@
         <translation>写真の利用</translation>
     </message>
     <message>
-        <source>Open System Settings…</source>
-        <extracomment>Small button, after the next four. Room: 336 px together with any of them.</extracomment>
-        <translation>システム設定を開く…</translation>
-    </message>
-    <message>
         <source>PhotoAccessNotAsked</source>
         <extracomment>State: the computer has no folder of pictures.</extracomment>
         <translation>画像フォルダーなし</translation>
@@ -547,6 +592,26 @@
         <source>PhotoAccessAllowed</source>
         <extracomment>State: all folders of pictures can be read.</extracomment>
         <translation>許可済み</translation>
+    </message>
+    <message>
+        <source>Photos cannot be shown: a part of Tavelo is not installed.</source>
+        <extracomment>In place of the states above, where the part of the program that reads pictures is missing. Room: wraps at 330 px.</extracomment>
+        <translation>写真を表示できません。Taveloの一部がインストールされていません。</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <extracomment>Small button: picks one more folder in which photos are looked for. Room: 336 px together with any of the states above.</extracomment>
+        <translation>フォルダーを追加…</translation>
+    </message>
+    <message>
+        <source>Choose a Folder with Photos</source>
+        <extracomment>Title of the window in which that folder is picked.</extracomment>
+        <translation>写真フォルダーの選択</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <extracomment>Small button beside such a folder: no longer look for photos there. The folder itself stays. Room: 120 px.</extracomment>
+        <translation>外す</translation>
     </message>
     <message>
         <source>Updates &amp; Feedback</source>
@@ -582,6 +647,16 @@
         <source>FeedbackHint</source>
         <extracomment>Beside or under that button. Room: 340 px.</extracomment>
         <translation>メールソフトで新規メールを開きます。</translation>
+    </message>
+    <message>
+        <source>This copy of Tavelo was built without an address for feedback.</source>
+        <extracomment>In place of that text, where the button cannot be pressed. Room: wraps at 330 px.</extracomment>
+        <translation>このTaveloには、フィードバックの送り先が設定されていません。</translation>
+    </message>
+    <message>
+        <source>No e-mail program could be opened. Please write to this address:</source>
+        <extracomment>Message after the button, followed by the address on a line of its own.</extracomment>
+        <translation>メールソフトを開けませんでした。次のアドレスにお送りください：</translation>
     </message>
     <message>
         <source>OnboardTitle</source>

@@ -199,6 +199,16 @@
         <translation>Tavelo %@ 준비가 끝났습니다. 종료할 때 설치됩니다</translation>
     </message>
     <message>
+        <source>UpdateInstalledNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@을(를) 설치했습니다</translation>
+    </message>
+    <message>
+        <source>UpdateKeptNotice</source>
+        <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
+        <translation>Tavelo %@을(를) 설치하지 못했습니다. 바뀐 것은 없습니다</translation>
+    </message>
+    <message>
         <source>UpdateDownloadingNotice</source>
         <extracomment>Shown for some seconds in the status bar, and in the settings window; %@ is a version number. Room: 560 px.</extracomment>
         <translation>Tavelo %@ 다운로드 중…</translation>
@@ -459,9 +469,49 @@
         <translation>기본값으로</translation>
     </message>
     <message>
+        <source>Copy your diary to the new folder?</source>
+        <extracomment>Question after another folder was chosen that holds no diary yet; the folder's path stands below the next text.</extracomment>
+        <translation>일기를 새 폴더에 복사하시겠습니까?</translation>
+    </message>
+    <message>
+        <source>There is no diary in the new folder yet. Only day files are copied, and the old folder stays as it is.</source>
+        <extracomment>Text of that question. A day file is the file of one day of the year, such as 03-14.md.</extracomment>
+        <translation>새 폴더에는 아직 일기가 없습니다. 날짜 파일만 복사하며, 이전 폴더는 그대로 둡니다.</translation>
+    </message>
+    <message>
+        <source>Copy Diary</source>
+        <extracomment>First button under that question. Room: 200 px.</extracomment>
+        <translation>일기 복사</translation>
+    </message>
+    <message>
+        <source>Start Empty</source>
+        <extracomment>Second button under that question: uses the new folder without any entries. Room: 200 px.</extracomment>
+        <translation>빈 상태로 시작</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <extracomment>Button. Room: 200 px.</extracomment>
+        <translation>취소</translation>
+    </message>
+    <message>
+        <source>Copying the diary…</source>
+        <extracomment>State while the diary is copied to another folder, in place of the hint under the folder. Room: wraps at 330 px.</extracomment>
+        <translation>일기를 복사하는 중…</translation>
+    </message>
+    <message>
+        <source>The diary could not be copied and stays where it is.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>일기를 복사할 수 없습니다. 일기는 원래 위치에 그대로 있습니다.</translation>
+    </message>
+    <message>
+        <source>This setting could not be saved.</source>
+        <extracomment>Message, followed by the system's own words.</extracomment>
+        <translation>이 설정을 저장할 수 없습니다.</translation>
+    </message>
+    <message>
         <source>VaultHint</source>
         <extracomment>Under the folder. Room: wraps at 330 px.</extracomment>
-        <translation>1년의 하루하루가 이 폴더의 Markdown 파일 하나입니다. 동기화되는 폴더에 두면 모든 기기에서 일기를 쓸 수 있습니다. 다른 폴더를 골라도 파일은 옮겨지지 않습니다.</translation>
+        <translation>1년의 하루하루가 이 폴더의 Markdown 파일 하나입니다. 동기화되는 폴더에 두면 모든 기기에서 일기를 쓸 수 있습니다. 빈 폴더를 고르면 일기를 그곳에 복사할지 묻습니다.</translation>
     </message>
     <message>
         <source>Choose the Diary Folder</source>
@@ -524,11 +574,6 @@
         <translation>사진 접근</translation>
     </message>
     <message>
-        <source>Open System Settings…</source>
-        <extracomment>Small button, after the next four. Room: 336 px together with any of them.</extracomment>
-        <translation>시스템 설정 열기…</translation>
-    </message>
-    <message>
         <source>PhotoAccessNotAsked</source>
         <extracomment>State: the computer has no folder of pictures.</extracomment>
         <translation>사진 폴더 없음</translation>
@@ -547,6 +592,26 @@
         <source>PhotoAccessAllowed</source>
         <extracomment>State: all folders of pictures can be read.</extracomment>
         <translation>허용됨</translation>
+    </message>
+    <message>
+        <source>Photos cannot be shown: a part of Tavelo is not installed.</source>
+        <extracomment>In place of the states above, where the part of the program that reads pictures is missing. Room: wraps at 330 px.</extracomment>
+        <translation>사진을 표시할 수 없습니다. Tavelo의 일부가 설치되어 있지 않습니다.</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <extracomment>Small button: picks one more folder in which photos are looked for. Room: 336 px together with any of the states above.</extracomment>
+        <translation>폴더 추가…</translation>
+    </message>
+    <message>
+        <source>Choose a Folder with Photos</source>
+        <extracomment>Title of the window in which that folder is picked.</extracomment>
+        <translation>사진 폴더 선택</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <extracomment>Small button beside such a folder: no longer look for photos there. The folder itself stays. Room: 120 px.</extracomment>
+        <translation>제거</translation>
     </message>
     <message>
         <source>Updates &amp; Feedback</source>
@@ -582,6 +647,16 @@
         <source>FeedbackHint</source>
         <extracomment>Beside or under that button. Room: 340 px.</extracomment>
         <translation>메일 프로그램에서 새 메일을 엽니다.</translation>
+    </message>
+    <message>
+        <source>This copy of Tavelo was built without an address for feedback.</source>
+        <extracomment>In place of that text, where the button cannot be pressed. Room: wraps at 330 px.</extracomment>
+        <translation>이 Tavelo에는 의견을 받을 주소가 설정되어 있지 않습니다.</translation>
+    </message>
+    <message>
+        <source>No e-mail program could be opened. Please write to this address:</source>
+        <extracomment>Message after the button, followed by the address on a line of its own.</extracomment>
+        <translation>이메일 프로그램을 열 수 없습니다. 다음 주소로 보내 주십시오:</translation>
     </message>
     <message>
         <source>OnboardTitle</source>

@@ -2,28 +2,36 @@
 #include <DiaryApp/AboutBox.h>
 #include <DiaryApp/Alert.h>
 #include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/CloudDriveName.h>
 #include <DiaryApp/DayPhotoLibrary.h>
 #include <DiaryApp/DebugScenario.h>
 #include <DiaryApp/DraftJournal.h>
+#include <DiaryApp/FeedbackMail.h>
 #include <DiaryApp/FileManager.h>
+#include <DiaryApp/FolderChooser.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainMenu.h>
 #include <DiaryApp/MainWindowController.h>
-#include <DiaryApp/PhotoModule.h>
 #include <DiaryApp/PhotoPreviewController.h>
+#include <DiaryApp/PhotoSource.h>
 #include <DiaryApp/QtExecutor.h>
 #include <DiaryApp/RescuedTexts.h>
 #include <DiaryApp/Settings.h>
+#include <DiaryApp/SettingsWindowController.h>
 #include <DiaryApp/TerminationSignals.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/Theme.h>
+#include <DiaryApp/UpdateNotices.h>
+#include <DiaryApp/Updates.h>
 #include <DiaryApp/VaultClaim.h>
 #include <DiaryApp/WindowFrame.h>
 #include <DiaryKit/DiaryStore.h>
 #include <DiaryKit/VaultLocation.h>
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QMainWindow>
+#include <QPointer>
 
 #include <chrono>
 #include <thread>
@@ -39,20 +47,19 @@ using namespace std::chrono_literals;
 constexpr auto longestStart = 5s;
 constexpr auto pauseBetweenKnocks = 50ms;
 
+// Keeps the first request to the network out of the start.
+constexpr auto firstUpdateCheckDelay = 5s;
+
 bool isScenario() {
     return qEnvironmentVariableIsSet("DIARY_SCREENSHOT");
 }
 
-std::filesystem::path chosenVault() {
-    return VaultLocation::chosen(Settings::shared().defaults());
+bool comesToFront() {
+    return !isScenario() || qEnvironmentVariableIsSet("DIARY_ACTIVATE");
 }
 
-// As its users call it.
-QString cloudDriveName() {
-    const auto root = VaultLocation::cloudDriveRoot();
-    if (!root)
-        return L("Cloud Drive");
-    return root->filename() == "com~apple~CloudDocs" ? L("iCloud Drive") : pathToQString(root->filename());
+std::filesystem::path chosenVault() {
+    return VaultLocation::chosen(Settings::shared().defaults());
 }
 
 // What the desktop gave this process to take the focus with.
@@ -63,15 +70,20 @@ QByteArray activationToken() {
 
 } // namespace
 
-AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager)
+AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager, AppServices services)
     : m_clock(clock),
       m_fileManager(fileManager),
-      m_photoModule(
-          PhotoModule::find(toUtf8(QCoreApplication::applicationDirPath()), PhotoModule::userFolders())),
+      m_services(std::move(services)),
       m_photoQueue(std::make_unique<QtExecutor>(1)),
       m_executor(std::make_unique<QtExecutor>()) {
-    if (m_photoModule)
-        m_photoModule->onChange = [this] {
+    if (!m_services.folderChooser) {
+        m_folderChooser = std::make_unique<DesktopFolderChooser>();
+        m_services.folderChooser = m_folderChooser.get();
+    }
+    if (!m_services.openUrl)
+        m_services.openUrl = [](const QUrl &url) { return QDesktopServices::openUrl(url); };
+    if (m_services.photos)
+        m_services.photos->onChange = [this] {
             QMetaObject::invokeMethod(
                 this,
                 [this] {
@@ -81,7 +93,7 @@ AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager)
                 Qt::QueuedConnection);
         };
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &AppDelegate::applicationStateChanged);
-    connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationShouldTerminate);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationWillTerminate);
     // The session manager goes on with the log-out only after this returns.
     connect(
         qApp, &QGuiApplication::commitDataRequest, this,
@@ -89,10 +101,6 @@ AppDelegate::AppDelegate(Clock &clock, FileManager &fileManager)
 }
 
 AppDelegate::~AppDelegate() = default;
-
-PhotoSource *AppDelegate::photoSource() const {
-    return m_photoModule.get();
-}
 
 std::unique_ptr<DiaryStore> AppDelegate::makeStore(Executor &executor) {
     DiaryStore::Options options;
@@ -117,6 +125,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     showMainWindow();
     if (isScenario())
         runDebugScenario(*this);
+    observeUpdates();
     tellOfRescuedTexts();
     maybeShowOnboarding();
 }
@@ -148,6 +157,8 @@ bool AppDelegate::claimVault() {
 
 std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
     MenuActions actions;
+    actions.showSettings = [this] { showSettings(); };
+    actions.checkForUpdates = [this] { checkForUpdates(); };
     actions.quit = [this] { terminate(); };
     auto store = makeStore(*m_executor);
     std::optional<DraftJournal> journal;
@@ -158,8 +169,8 @@ std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
     }
     auto controller = std::make_unique<MainWindowController>(
         std::move(store), m_clock, m_fileManager, std::move(actions),
-        std::make_unique<DayPhotoLibrary>(photoSource(), m_photoQueue.get()),
-        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, photoSource()));
+        std::make_unique<DayPhotoLibrary>(m_services.photos.get(), m_photoQueue.get()),
+        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, m_services.photos.get()));
     if (journal)
         controller->session().keepJournal(*journal);
     controller->onClose = [this, window = controller.get()] {
@@ -170,11 +181,10 @@ std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
 }
 
 void AppDelegate::showMainWindow() {
-    const bool comesToFront = !isScenario() || qEnvironmentVariableIsSet("DIARY_ACTIVATE");
     auto *window = m_mainWindowController->window();
-    window->setAttribute(Qt::WA_ShowWithoutActivating, !comesToFront);
+    window->setAttribute(Qt::WA_ShowWithoutActivating, !comesToFront());
     m_mainWindowController->showWindow();
-    if (comesToFront) {
+    if (comesToFront()) {
         window->raise();
         window->activateWindow();
     }
@@ -207,6 +217,77 @@ void AppDelegate::applyLanguageChange() {
     Localization::setBundle(Localization::resolveBundle());
     Theme::setInterfaceLanguage(Localization::bundle().language());
     rebuildMainWindow();
+    if (m_settingsWindowController)
+        m_settingsWindowController->rebuildContent();
+}
+
+void AppDelegate::showSettings() {
+    if (!m_settingsWindowController) {
+        m_settingsWindowController = std::make_unique<SettingsWindowController>(
+            Settings::shared(),
+            SettingsWindowController::Services{.folderChooser = *m_services.folderChooser,
+                                               .executor = *m_executor,
+                                               .openUrl = m_services.openUrl,
+                                               .updates = m_services.updates,
+                                               .photos = m_services.photos.get(),
+                                               .feedbackAddress = FeedbackMail::address()});
+        m_settingsWindowController->onLanguageChanged = [this] {
+            applyLanguageChange();
+            keepSettingsInFront();
+        };
+        m_settingsWindowController->onVaultChanged = [this] {
+            rebuildMainWindow();
+            keepSettingsInFront();
+        };
+        m_settingsWindowController->onReadingChanged = [this] { m_mainWindowController->renderEntry(); };
+        m_settingsWindowController->onSaveBeforeCopying = [this] {
+            return m_mainWindowController->session().flushSaveIfDirty();
+        };
+    }
+    m_settingsWindowController->window()->setAttribute(Qt::WA_ShowWithoutActivating, !comesToFront());
+    m_settingsWindowController->showWindow();
+}
+
+// The new main window came to the front, while it is the settings that are being used.
+void AppDelegate::keepSettingsInFront() {
+    if (m_settingsWindowController->window()->isVisible())
+        m_settingsWindowController->showWindow();
+}
+
+void AppDelegate::observeUpdates() {
+    if (!m_services.updates)
+        return;
+    m_services.updates->observeDownloading(this, [this](const QString &version) {
+        m_mainWindowController->flash(UpdateNotices::downloading(version));
+    });
+    m_services.updates->observeReady(this, [this](const QString &version) {
+        m_mainWindowController->flash(UpdateNotices::ready(version));
+    });
+    m_updateTimer = m_clock.makeTimer([this] {
+        if (const auto outcome = m_services.updates->takeOutcome())
+            m_mainWindowController->flash(UpdateNotices::outcome(*outcome));
+        m_services.updates->checkIfDue();
+    });
+    m_updateTimer->start(firstUpdateCheckDelay);
+}
+
+void AppDelegate::checkForUpdates() {
+    // One answer is enough for whoever asks twice.
+    if (std::exchange(m_isCheckingForUpdates, true))
+        return;
+    const auto tell = [self = QPointer(this)](const Updates::CheckResult &result) {
+        if (!self)
+            return;
+        self->m_isCheckingForUpdates = false;
+        const auto *updates = self->m_services.updates;
+        showAlert(self->m_mainWindowController->window(),
+                  UpdateNotices::alert(result, updates && updates->isSupported(),
+                                       QApplication::applicationVersion()));
+    };
+    if (m_services.updates)
+        m_services.updates->runCheck(tell);
+    else
+        tell(Updates::Failed{});
 }
 
 void AppDelegate::maybeShowOnboarding() {
@@ -265,6 +346,8 @@ void AppDelegate::applicationStateChanged(Qt::ApplicationState state) {
         m_mainWindowController->session().flushSaveIfDirty();
         return;
     }
+    if (m_services.updates)
+        m_services.updates->checkIfDue();
     m_mainWindowController->session().performRemoteRefresh();
     m_mainWindowController->store().warmEvictedFiles();
 }
@@ -275,6 +358,12 @@ void AppDelegate::applicationShouldTerminate() {
     auto &session = m_mainWindowController->session();
     if (!session.flushSaveIfDirty())
         session.rescueUnsavedText(RescuedTexts::folder());
+}
+
+void AppDelegate::applicationWillTerminate() {
+    applicationShouldTerminate();
+    if (m_services.updates)
+        m_services.updates->installPendingUpdate();
 }
 
 void AppDelegate::terminate() {

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/PhotoSource.h>
 
 #include <QObject>
+#include <QUrl>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -15,20 +18,30 @@ namespace diary {
 class DiaryStore;
 class Executor;
 class FileManager;
+class FolderChooser;
 class MainWindowController;
-class PhotoModule;
-class PhotoSource;
 class QtExecutor;
+class SettingsWindowController;
 class TerminationSignals;
+class Updates;
 class VaultClaim;
 
+// What the program can do without.
+struct AppServices {
+    FolderChooser *folderChooser = nullptr; // none for the desktop's own
+    // Opens a link in the program for it; false when there is none.
+    std::function<bool(const QUrl &)> openUrl = nullptr;
+    Updates *updates = nullptr;
+    std::unique_ptr<PhotoSource> photos = nullptr;
+};
+
 // The application's life: start-up, the main window and what replaces it, and a flush on every way out. Main
-// thread only; needs a QApplication. The clock and the file manager must outlive it.
+// thread only; needs a QApplication. What it is made from must outlive it.
 class AppDelegate : public QObject {
     Q_OBJECT
 
 public:
-    AppDelegate(Clock &clock, FileManager &fileManager);
+    AppDelegate(Clock &clock, FileManager &fileManager, AppServices services = {});
     ~AppDelegate() override;
 
     // When another process shows the same vault already, its window comes to the front and this process ends.
@@ -40,8 +53,12 @@ public:
     // None before start-up.
     MainWindowController *mainWindowController() const { return m_mainWindowController.get(); }
 
-    // None where the photo module is not installed.
-    PhotoSource *photoSource() const;
+    // None before it is first shown.
+    SettingsWindowController *settingsWindowController() const { return m_settingsWindowController.get(); }
+    void showSettings();
+
+    // A check that the user asked for; its result is told in an alert.
+    void checkForUpdates();
 
     // A new window over the vault that the settings now name, on the same day of the calendar; the old one
     // is saved and closed.
@@ -53,6 +70,9 @@ public:
     // Saves the draft. What cannot be saved is put into the rescue folder, so that it outlives the process.
     void applicationShouldTerminate();
 
+    // The last thing before the process ends.
+    void applicationWillTerminate();
+
     // Ends the program by the ordinary road, without asking any window.
     void terminate();
 
@@ -61,14 +81,17 @@ private:
     bool claimVault();
     std::unique_ptr<MainWindowController> makeMainWindow();
     void showMainWindow();
+    void observeUpdates();
+    void keepSettingsInFront();
     void maybeShowOnboarding();
     void finishOnboarding(const std::filesystem::path &vault);
     void tellOfRescuedTexts();
 
     Clock &m_clock;
     FileManager &m_fileManager;
-    // Before the queue, which still asks it while the work there ends.
-    std::unique_ptr<PhotoModule> m_photoModule;
+    // The photos come before the queue, which still asks them while the work there ends.
+    AppServices m_services;
+    std::unique_ptr<FolderChooser> m_folderChooser;
     std::unique_ptr<QtExecutor> m_photoQueue;
     std::unique_ptr<QtExecutor> m_executor;
     std::optional<std::filesystem::path> m_claimedVault;
@@ -76,6 +99,9 @@ private:
     std::unique_ptr<MainWindowController> m_mainWindowController;
     // Closed, and soon gone.
     std::vector<std::unique_ptr<MainWindowController>> m_retired;
+    std::unique_ptr<SettingsWindowController> m_settingsWindowController;
+    std::unique_ptr<Timer> m_updateTimer;
+    bool m_isCheckingForUpdates = false;
     std::unique_ptr<TerminationSignals> m_terminationSignals;
 };
 

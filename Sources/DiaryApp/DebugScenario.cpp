@@ -5,6 +5,7 @@
 #include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/PhotoPreviewPanel.h>
+#include <DiaryApp/SettingsWindowController.h>
 
 #include <QApplication>
 #include <QDialog>
@@ -89,6 +90,8 @@ void takePictures(AppDelegate &delegate, const QString &path) {
         takePicture(controller->contentView(), path);
         takePhotoPreviewPicture(*controller, path + QStringLiteral(".ql.png"));
     }
+    if (auto *controller = delegate.settingsWindowController())
+        takePicture(controller->contentView(), path + QStringLiteral(".settings.png"));
     for (auto *window : QApplication::topLevelWidgets()) {
         const bool isPanel =
             qobject_cast<QDialog *>(window) || window->objectName() == QLatin1String("DiarySearchWindow");
@@ -105,6 +108,8 @@ void runDebugScenario(AppDelegate &delegate) {
 
     auto *mainWindow = delegate.mainWindowController();
     showRequestedEntry(mainWindow->session());
+    if (isSwitchedOn("DIARY_VIEW_SETTINGS"))
+        delegate.showSettings();
     if (isSwitchedOn("DIARY_VIEW_SEARCH"))
         mainWindow->showSearch();
     if (isSwitchedOn("DIARY_FULLSCREEN"))

@@ -21,6 +21,7 @@ constexpr const char *showPhotosKey = "showPhotos";
 constexpr const char *autoUpdateKey = "autoUpdate";
 constexpr const char *lastUpdateCheckKey = "lastUpdateCheck";
 constexpr const char *hasOnboardedKey = "hasOnboarded";
+constexpr const char *photoFoldersKey = "photoFolders";
 constexpr const char *languageOverrideKey = "languageOverride";
 
 std::optional<QString> text(const Defaults &defaults, const char *key) {
@@ -112,6 +113,18 @@ std::optional<std::filesystem::path> Settings::vaultPath() const {
 
 void Settings::setVaultPath(const std::optional<std::filesystem::path> &path) {
     setOrRemove(m_defaults, vaultPathKey, path ? std::optional(path->native()) : std::nullopt);
+}
+
+std::vector<std::filesystem::path> Settings::photoFolders() const {
+    const auto stored = m_defaults.stringList(photoFoldersKey).value_or(std::vector<std::string>());
+    return {stored.begin(), stored.end()};
+}
+
+void Settings::setPhotoFolders(const std::vector<std::filesystem::path> &folders) {
+    if (folders.empty())
+        m_defaults.remove(photoFoldersKey);
+    else
+        m_defaults.set(photoFoldersKey, std::vector<std::string>(folders.begin(), folders.end()));
 }
 
 void Settings::setHasOnboarded(bool hasOnboarded) {

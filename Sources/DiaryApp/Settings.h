@@ -9,6 +9,7 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace diary {
 
@@ -62,6 +63,10 @@ public:
     // The folder that the user chose for the diary; none for the default.
     std::optional<std::filesystem::path> vaultPath() const;
     void setVaultPath(const std::optional<std::filesystem::path> &path);
+
+    // Where photos are looked for besides the user's picture folder, in the order in which they were added.
+    std::vector<std::filesystem::path> photoFolders() const;
+    void setPhotoFolders(const std::vector<std::filesystem::path> &folders);
 
     void setHasOnboarded(bool hasOnboarded);
     // Whether to ask where the diary should live: never asked before, nothing chosen, a cloud drive to choose

@@ -493,15 +493,15 @@ void UpdateChecker::installPendingUpdate() {
     m_state->install();
 }
 
-std::optional<UpdateStaging::Outcome> UpdateChecker::takeOutcome() const {
+std::optional<UpdateStaging::Outcome> UpdateChecker::takeOutcome() {
     return m_state->staging().takeOutcome();
 }
 
-const std::optional<QString> &UpdateChecker::pendingVersion() const {
+std::optional<QString> UpdateChecker::pendingVersion() const {
     return m_state->pendingVersion();
 }
 
-const std::optional<QString> &UpdateChecker::downloadingVersion() const {
+std::optional<QString> UpdateChecker::downloadingVersion() const {
     return m_state->downloadingVersion();
 }
 

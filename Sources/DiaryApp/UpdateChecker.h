@@ -3,6 +3,7 @@
 
 #include <DiaryApp/UpdateStaging.h>
 #include <DiaryApp/UpdateTools.h>
+#include <DiaryApp/Updates.h>
 
 #include <QByteArray>
 #include <QString>
@@ -13,7 +14,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <variant>
 
 class QObject;
 
@@ -31,7 +31,7 @@ class Settings;
 //
 // Main thread only. What it is made from must outlive it. Destroying it ends a check without an answer; it
 // may first wait for the archive to be written.
-class UpdateChecker {
+class UpdateChecker : public Updates {
 public:
     // Bytes. More is an error, whoever sends it.
     static constexpr std::int64_t largestFeed = std::int64_t{64} << 10U;
@@ -47,15 +47,6 @@ public:
         // None when the bytes are anything else, or have one of the keys twice.
         static std::optional<Manifest> parse(const QByteArray &json);
     };
-
-    struct UpToDate {};
-    struct UpdateFound {
-        QString version;
-    };
-    struct Failed {
-        QString error; // for a log, not for people
-    };
-    using CheckResult = std::variant<UpToDate, UpdateFound, Failed>;
 
     // Where the program stands.
     struct Surroundings {
@@ -75,40 +66,25 @@ public:
     };
 
     UpdateChecker(Clock &clock, Settings &settings, Parts parts, Surroundings surroundings);
-    ~UpdateChecker();
+    ~UpdateChecker() override;
     UpdateChecker(const UpdateChecker &) = delete;
     UpdateChecker &operator=(const UpdateChecker &) = delete;
 
-    // Whether the program runs from a bundle in a folder that the user may write.
-    bool isSupported() const;
     const QString &currentVersion() const;
     // DIARY_UPDATE_URL as it stands when it is an address, else the maker's with the current version as "v".
     QUrl feedURL() const;
 
     bool isRunning() const;
 
-    // A silent check, when the last one is a day old, the user wants them, and nothing is staged yet.
-    void checkIfDue();
-
-    // A whole check. The completion is called once, on the main thread; at once when there can be no check,
-    // as while another one runs.
-    void runCheck(std::function<void(const CheckResult &)> completion);
-
-    // While the program ends: hands what is staged to the install script, once.
-    void installPendingUpdate();
-
-    // What became of the update that was handed over last, also by another process; told once.
-    std::optional<UpdateStaging::Outcome> takeOutcome() const;
-
-    // The version that is staged, and the one on its way.
-    const std::optional<QString> &pendingVersion() const;
-    const std::optional<QString> &downloadingVersion() const;
-
-    // Told the version, in the order of their coming, as long as the context lives: the downloading observers
-    // when a download begins, the ready observers when an update was staged, before the check is answered.
-    using Observer = std::function<void(const QString &version)>;
-    void observeDownloading(QObject *context, Observer observer);
-    void observeReady(QObject *context, Observer observer);
+    bool isSupported() const override;
+    void checkIfDue() override;
+    void runCheck(std::function<void(const CheckResult &)> completion) override;
+    void installPendingUpdate() override;
+    std::optional<UpdateStaging::Outcome> takeOutcome() override;
+    std::optional<QString> pendingVersion() const override;
+    std::optional<QString> downloadingVersion() const override;
+    void observeDownloading(QObject *context, Observer observer) override;
+    void observeReady(QObject *context, Observer observer) override;
 
 private:
     class State;

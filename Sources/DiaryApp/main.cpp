@@ -2,12 +2,19 @@
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/Clock.h>
 #include <DiaryApp/FileManager.h>
+#include <DiaryApp/PhotoModule.h>
+#include <DiaryApp/Settings.h>
+#include <DiaryApp/Text.h>
+#include <DiaryApp/UpdateChecker.h>
+#include <DiaryApp/UpdateModule.h>
 
 #include <QApplication>
 #include <QTimer>
 
 #include <cstdio>
+#include <filesystem>
 #include <string_view>
+#include <utility>
 
 int main(int argc, char *argv[]) {
     for (int index = 1; index < argc; ++index) {
@@ -36,7 +43,14 @@ int main(int argc, char *argv[]) {
 
     diary::SystemClock clock;
     diary::DesktopFileManager fileManager;
-    diary::AppDelegate delegate(clock, fileManager);
+    const std::filesystem::path programFolder = diary::toUtf8(QApplication::applicationDirPath());
+    auto photoFolders = diary::PhotoModule::userFolders();
+    photoFolders.added = diary::Settings::shared().photoFolders();
+    diary::UpdateChecker updates(clock, diary::Settings::shared(), diary::UpdateModule::parts(),
+                                 diary::UpdateChecker::surroundings());
+    diary::AppDelegate delegate(
+        clock, fileManager,
+        {.updates = &updates, .photos = diary::PhotoModule::find(programFolder, std::move(photoFolders))});
     QTimer::singleShot(0, &delegate, &diary::AppDelegate::applicationDidFinishLaunching);
     return QApplication::exec();
 }

@@ -1,18 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "Support/FakeClock.h"
 #include "Support/FakeFileManager.h"
+#include "Support/FakeFolderChooser.h"
+#include "Support/FakeUpdates.h"
 #include "Support/ManualExecutor.h"
 #include "Support/ScopedEnvironment.h"
 #include "Support/TemporaryFolder.h"
 
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/GrowingTextView.h>
+#include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/Settings.h>
+#include <DiaryApp/SettingsControls.h>
+#include <DiaryApp/SettingsWindowController.h>
+#include <DiaryApp/StatusBarView.h>
 #include <DiaryApp/VaultClaim.h>
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -99,7 +106,10 @@ TEST_F(AppDelegateTest, canBeAskedToTerminateBeforeItHasAWindow) {
 class RunningAppDelegateTest : public AppDelegateTest {
 protected:
     void start() {
-        delegate = std::make_unique<AppDelegate>(clock, fileManager);
+        delegate = std::make_unique<AppDelegate>(
+            clock, fileManager,
+            AppServices{
+                .folderChooser = &chooser, .openUrl = nullptr, .updates = &updates, .photos = nullptr});
         delegate->applicationDidFinishLaunching();
     }
     void type(const char *text) const {
@@ -134,6 +144,8 @@ protected:
         return exitCode;
     }
 
+    testing::FakeFolderChooser chooser;
+    testing::FakeUpdates updates;
     ScopedEnvironment root{"DIARY_ROOT", folder / "vault"};
     std::unique_ptr<AppDelegate> delegate;
 };
@@ -308,6 +320,162 @@ TEST_F(RunningAppDelegateTest, noticesMidnight) {
     EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{3, 14}));
     delegate->mainWindowController()->session().openToday();
     EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{3, 15}));
+}
+
+// Settings
+
+class SettingsActionTest : public RunningAppDelegateTest {
+protected:
+    void SetUp() override {
+        start();
+        chooseFromMenu("Settings…");
+    }
+    void TearDown() override {
+        RunningAppDelegateTest::TearDown();
+        Localization::setBundle(Localization::resolveBundle());
+    }
+
+    void chooseFromMenu(const char *key) const {
+        auto *entry =
+            delegate->mainWindowController()->window()->findChild<QAction *>(QString::fromUtf8(key));
+        ASSERT_NE(entry, nullptr);
+        entry->trigger();
+    }
+    template <typename Widget>
+    Widget *part(const char *name) const {
+        return delegate->settingsWindowController()->contentView()->findChild<Widget *>(QLatin1String(name));
+    }
+
+    ScopedEnvironment root{"DIARY_ROOT", std::nullopt};
+};
+
+TEST_F(SettingsActionTest, showsOneSettingsWindowAgainAndAgain) {
+    auto *settings = delegate->settingsWindowController();
+    ASSERT_NE(settings, nullptr);
+    EXPECT_TRUE(settings->window()->isVisible());
+    settings->window()->close();
+    QTest::mouseClick(
+        delegate->mainWindowController()->window()->findChild<QWidget *>(QStringLiteral("settingsButton")),
+        Qt::LeftButton);
+    EXPECT_EQ(delegate->settingsWindowController(), settings);
+    EXPECT_TRUE(settings->window()->isVisible());
+}
+
+TEST_F(SettingsActionTest, speaksAnotherLanguageEverywhereAtOnce) {
+    type("Kept");
+    auto *language = part<SettingsMenu>("language");
+    language->setFocus();
+    for (int step = 0; step < 6; ++step)
+        QTest::keyClick(part<SettingsMenu>("language"), Qt::Key_Down);
+    EXPECT_EQ(Settings::shared().languageOverride(), QStringLiteral("de"));
+    EXPECT_EQ(delegate->settingsWindowController()->window()->windowTitle(), QLatin1String("Einstellungen"));
+    const auto *menuBar = delegate->mainWindowController()->window()->menuBar();
+    EXPECT_TRUE(std::any_of(menuBar->actions().begin(), menuBar->actions().end(), [](const QAction *entry) {
+        return entry->text().remove(QLatin1Char('&')) == QLatin1String("Bearbeiten");
+    }));
+    EXPECT_EQ(folder.read("home/Documents/Diary/03-14.md"), "# 03-14\n\n## 2025\n\nKept\n");
+    // The settings are still what is being used.
+    EXPECT_TRUE(QTest::qWaitForWindowActive(delegate->settingsWindowController()->window()));
+}
+
+TEST_F(SettingsActionTest, opensTheVaultThatIsChosen) {
+    part<SettingsButton>("chooseVault")->click();
+    chooser.pick(folder / "other");
+    EXPECT_EQ(delegate->mainWindowController()->store().rootURL(), folder / "other");
+}
+
+TEST_F(SettingsActionTest, copiesTheDiaryWithWhatWasJustTyped) {
+    type("Kept");
+    ASSERT_TRUE(delegate->mainWindowController()->session().flushSaveIfDirty());
+    type(" too");
+    part<SettingsButton>("chooseVault")->click();
+    chooser.pick(folder / "other");
+    auto *question = delegate->settingsWindowController()->window()->findChild<QMessageBox *>();
+    ASSERT_NE(question, nullptr);
+    question->buttons().first()->click();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return delegate->mainWindowController()->store().rootURL() == folder / "other"; }));
+    EXPECT_EQ(folder.read("other/03-14.md"), "# 03-14\n\n## 2025\n\nKept too\n");
+    EXPECT_EQ(delegate->mainWindowController()->textView()->text(), QStringLiteral("Kept too"));
+}
+
+TEST_F(SettingsActionTest, showsTheEntryInAnotherSizeAtOnce) {
+    const auto before = delegate->mainWindowController()->textView()->font().pixelSize();
+    auto *size = part<SettingsMenu>("fontSize");
+    size->setFocus();
+    QTest::keyClick(size, Qt::Key_Down);
+    EXPECT_GT(delegate->mainWindowController()->textView()->font().pixelSize(), before);
+}
+
+// Updates
+
+TEST_F(RunningAppDelegateTest, looksForUpdatesAMomentAfterTheStartAndWhenItComesToTheFront) {
+    start();
+    EXPECT_EQ(updates.dueChecks, 0);
+    clock.advance(4999ms);
+    EXPECT_EQ(updates.dueChecks, 0);
+    clock.advance(1ms);
+    EXPECT_EQ(updates.dueChecks, 1);
+    emit qApp->applicationStateChanged(Qt::ApplicationActive);
+    EXPECT_EQ(updates.dueChecks, 2);
+}
+
+TEST_F(RunningAppDelegateTest, tellsOfUpdatesInTheStatusBar) {
+    start();
+    const auto shown = [this] {
+        auto *window = delegate->mainWindowController()->window();
+        return window->findChild<StatusBarView *>()->findChild<QLabel *>(QStringLiteral("leftLabel"))->text();
+    };
+    updates.tellDownloading(QStringLiteral("1.3.0"));
+    EXPECT_EQ(shown(), QStringLiteral("Downloading Tavelo 1.3.0…"));
+    updates.tellReady(QStringLiteral("1.3.0"));
+    EXPECT_TRUE(shown().startsWith(QStringLiteral("Tavelo 1.3.0 is ready")));
+    delegate.reset();
+    updates.tellReady(QStringLiteral("1.4.0"));
+}
+
+TEST_F(RunningAppDelegateTest, installsWhatIsReadyOnceWhenItEndsWithTheTextSaved) {
+    start();
+    type("Saved");
+    EXPECT_EQ(updates.installations, 0);
+    EXPECT_EQ(runUntilEndedBy([this] { delegate->terminate(); }), 0);
+    EXPECT_EQ(updates.installations, 1);
+    EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nSaved\n");
+}
+
+TEST_F(RunningAppDelegateTest, tellsOnceWhatBecameOfTheLastUpdate) {
+    using Outcome = UpdateStaging::Outcome;
+    start();
+    const auto shown = [this] {
+        auto *window = delegate->mainWindowController()->window();
+        return window->findChild<StatusBarView *>()->findChild<QLabel *>(QStringLiteral("leftLabel"))->text();
+    };
+    updates.outcome = Outcome{.kind = Outcome::Kind::Kept, .version = "1.3.0", .reason = "no space"};
+    clock.advance(5s);
+    EXPECT_EQ(shown(), QStringLiteral("Tavelo 1.3.0 could not be installed; nothing has changed"));
+    EXPECT_EQ(updates.outcome, std::nullopt);
+    delegate.reset();
+
+    start();
+    updates.outcome = Outcome{.kind = Outcome::Kind::Installed, .version = "1.3.0", .reason = {}};
+    clock.advance(5s);
+    EXPECT_EQ(shown(), QStringLiteral("Tavelo 1.3.0 is installed"));
+}
+
+TEST_F(RunningAppDelegateTest, tellsTheResultOfACheckThatTheUserAskedFor) {
+    start();
+    delegate->checkForUpdates();
+    delegate->checkForUpdates();
+    ASSERT_EQ(updates.completions.size(), 1U);
+    EXPECT_EQ(alert(), nullptr);
+    updates.answer(UpdateChecker::UpdateFound{QStringLiteral("1.3.0")});
+    ASSERT_NE(alert(), nullptr);
+    EXPECT_EQ(alert()->text(), QStringLiteral("A new version is available"));
+    press("OK");
+    delegate->checkForUpdates();
+    EXPECT_EQ(updates.completions.size(), 1U);
+    delegate.reset();
+    updates.answer(UpdateChecker::UpToDate{});
 }
 
 // A machine with a cloud drive and no diary yet.

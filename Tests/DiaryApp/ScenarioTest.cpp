@@ -229,6 +229,16 @@ TEST_F(ScenarioTest, takesNoPictureOfAPhotoPreviewWhereThereAreNoPhotos) {
     EXPECT_THAT(folder.names(), ElementsAre("a.png"));
 }
 
+TEST_F(ScenarioTest, showsTheSettingsOnlyWhenToldTo) {
+    const auto settings = [this] { return QImage(QString::fromStdString(folder / "a.png.settings.png")); };
+    run({{"DIARY_VIEW_SETTINGS", "true"}});
+    EXPECT_TRUE(settings().isNull());
+    run({{"DIARY_VIEW_SETTINGS", "1"}});
+    EXPECT_EQ(settings().width(), 540);
+    EXPECT_GT(settings().height(), 300);
+    EXPECT_EQ(picture().size(), QSize(1360, 840));
+}
+
 TEST_F(ScenarioTest, showsTheFileAsItStands) {
     folder.write("v/03-14.md", fileWith("03-14", 2019, "Old"));
     run({{"DIARY_VIEW_DAY", "03-14"}, {"DIARY_VIEW_SOURCE", "true"}});

@@ -111,6 +111,18 @@ TEST_F(SettingsTest, removesAChoiceRatherThanStoringAnEmptyOne) {
     EXPECT_EQ(settings.vaultPath(), std::nullopt);
 }
 
+TEST_F(SettingsTest, keepsTheFoldersOfPhotosInTheirOrder) {
+    EXPECT_THAT(settings.photoFolders(), ::testing::IsEmpty());
+    settings.setPhotoFolders({"/b", folder / "写真"});
+    EXPECT_THAT(Settings{Defaults(folder / "settings.json")}.photoFolders(),
+                ::testing::ElementsAre("/b", folder / "写真"));
+    settings.setPhotoFolders({});
+    EXPECT_THAT(settings.photoFolders(), ::testing::IsEmpty());
+    EXPECT_EQ(folder.read("settings.json").find("photoFolders"), std::string::npos);
+    store(R"({"photoFolders": "/b"})");
+    EXPECT_THAT(settings.photoFolders(), ::testing::IsEmpty());
+}
+
 TEST_F(SettingsTest, takesNoFontSizeThatCannotBeShown) {
     for (const double size : {0.0, -3.0, 3.9, 288.5, 1e300, -std::numeric_limits<double>::infinity()}) {
         settings.setEditorFontSize(size);

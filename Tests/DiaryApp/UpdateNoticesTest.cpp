@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "Support/FakeUpdates.h"
+
+#include <DiaryApp/UpdateNotices.h>
+
+#include <gtest/gtest.h>
+
+namespace diary {
+namespace {
+
+const auto version = QStringLiteral("1.4.2");
+
+TEST(UpdateNotices, tellWhatIsReadyBeforeWhatIsOnItsWay) {
+    EXPECT_EQ(UpdateNotices::state(nullptr), QString());
+    testing::FakeUpdates updates;
+    EXPECT_EQ(UpdateNotices::state(&updates), QString());
+    updates.downloading = version;
+    EXPECT_EQ(UpdateNotices::state(&updates), QStringLiteral("Downloading Tavelo 1.4.2…"));
+    updates.pending = version;
+    EXPECT_EQ(UpdateNotices::state(&updates),
+              QStringLiteral("Tavelo 1.4.2 is ready and will be installed when you quit"));
+}
+
+TEST(UpdateNotices, tellTheResultOfACheckInAWord) {
+    using namespace UpdateNotices;
+    EXPECT_EQ(status(UpdateChecker::UpToDate{}, true), QStringLiteral("Tavelo is up to date"));
+    EXPECT_EQ(status(UpdateChecker::UpdateFound{version}, true), ready(version));
+    EXPECT_EQ(status(UpdateChecker::Failed{}, true), QStringLiteral("Could not check for updates"));
+    EXPECT_TRUE(status(UpdateChecker::Failed{}, false).contains(QStringLiteral("cannot update itself")));
+}
+
+TEST(UpdateNotices, tellTheResultOfACheckAtLength) {
+    const auto running = QStringLiteral("1.4.1");
+    const auto newest = UpdateNotices::alert(UpdateChecker::UpToDate{}, true, running);
+    EXPECT_EQ(newest.message, QStringLiteral("Tavelo is up to date"));
+    EXPECT_EQ(newest.informativeText, QStringLiteral("Version 1.4.1 is the latest version."));
+    const auto found = UpdateNotices::alert(UpdateChecker::UpdateFound{version}, true, running);
+    EXPECT_EQ(found.message, QStringLiteral("A new version is available"));
+    EXPECT_TRUE(found.informativeText.startsWith(QStringLiteral("Tavelo 1.4.2 has been downloaded")));
+    const auto failed = UpdateNotices::alert(UpdateChecker::Failed{}, true, running);
+    EXPECT_EQ(failed.message, QStringLiteral("Could not check for updates"));
+    EXPECT_TRUE(failed.informativeText.contains(QStringLiteral("internet connection")));
+    const auto unsupported = UpdateNotices::alert(UpdateChecker::Failed{}, false, running);
+    EXPECT_EQ(unsupported.message, failed.message);
+    EXPECT_TRUE(unsupported.informativeText.contains(QStringLiteral("cannot update itself")));
+}
+
+} // namespace
+} // namespace diary
