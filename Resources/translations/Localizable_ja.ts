@@ -596,7 +596,7 @@
     <message>
         <source>Photos cannot be shown: a part of Tavelo is not installed.</source>
         <extracomment>In place of the states above, where the part of the program that reads pictures is missing. Room: wraps at 330 px.</extracomment>
-        <translation>写真を表示できません。Taveloの一部がインストールされていません。</translation>
+        <translation>写真を表示できません。Taveloの一部が未インストールです。</translation>
     </message>
     <message>
         <source>Add Folder…</source>
