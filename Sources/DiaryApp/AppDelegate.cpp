@@ -109,20 +109,26 @@ std::unique_ptr<DiaryStore> AppDelegate::makeStore(Executor &executor) {
     return std::make_unique<DiaryStore>(chosenVault(), std::move(options));
 }
 
-void AppDelegate::applicationDidFinishLaunching() {
+void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
     QApplication::setPalette(Theme::palette());
     Theme::setInterfaceLanguage(Localization::bundle().language());
     // A scripted run writes what it is told to and takes a picture; it may look at a vault in use.
-    if (!isScenario() && !claimVault()) {
+    if (!isScenario() && !claimVault(action)) {
         QCoreApplication::exit();
         return;
     }
 
     m_terminationSignals = std::make_unique<TerminationSignals>([this] { terminate(); });
     m_mainWindowController = makeMainWindow();
-    if (!isScenario())
+    if (!isScenario()) {
         WindowFrame::restore(*m_mainWindowController->window());
+        m_mainWindowController->onFirstPainted = [this] {
+            if (onFirstPainted)
+                onFirstPainted();
+        };
+    }
     showMainWindow();
+    perform(action);
     if (isScenario())
         runDebugScenario(*this);
     observeUpdates();
@@ -131,28 +137,44 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 // False when another process has the vault's window and was asked to show it.
-bool AppDelegate::claimVault() {
+bool AppDelegate::claimVault(LaunchAction action) {
     const auto vault = chosenVault();
     if (m_claimedVault == vault)
         return true;
     const auto deadline = std::chrono::steady_clock::now() + longestStart;
     do {
         if (auto claim = VaultClaim::take(vault)) {
-            claim->onKnock = [this](const QByteArray &token) {
-                if (!m_mainWindowController)
-                    return;
-                qputenv("XDG_ACTIVATION_TOKEN", token);
-                m_mainWindowController->bringToFront();
-            };
+            claim->onKnock = [this](const LaunchRequest &request) { answerLaunch(request); };
             m_claim = std::move(claim);
             m_claimedVault = vault;
             return true;
         }
-        if (VaultClaim::knock(vault, activationToken()))
+        if (VaultClaim::knock(vault, {.action = action, .activationToken = activationToken()}))
             return false;
         std::this_thread::sleep_for(pauseBetweenKnocks);
     } while (std::chrono::steady_clock::now() < deadline);
     return false;
+}
+
+void AppDelegate::answerLaunch(const LaunchRequest &request) {
+    if (!m_mainWindowController)
+        return;
+    qputenv("XDG_ACTIVATION_TOKEN", request.activationToken);
+    m_mainWindowController->bringToFront();
+    perform(request.action);
+}
+
+void AppDelegate::perform(LaunchAction action) {
+    switch (action) {
+    case LaunchAction::Show:
+        break;
+    case LaunchAction::Today:
+        m_mainWindowController->session().openToday();
+        break;
+    case LaunchAction::Search:
+        m_mainWindowController->showSearch();
+        break;
+    }
 }
 
 std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/LaunchRequest.h>
 #include <DiaryApp/PhotoSource.h>
 
 #include <QObject>
@@ -44,8 +45,16 @@ public:
     AppDelegate(Clock &clock, FileManager &fileManager, AppServices services = {});
     ~AppDelegate() override;
 
-    // When another process shows the same vault already, its window comes to the front and this process ends.
-    void applicationDidFinishLaunching();
+    // When another process shows the same vault already, its window comes to the front, does what this launch
+    // was to do, and this process ends.
+    void applicationDidFinishLaunching(LaunchAction action = LaunchAction::Show);
+
+    // What another launch asks for: the window in front, on the page or with the window that it wants.
+    void answerLaunch(const LaunchRequest &request);
+
+    // Once, after the first window has been painted; never in a scripted run. For what would make the start
+    // slower.
+    std::function<void()> onFirstPainted;
 
     // Over the folder that DIARY_ROOT, the settings or the default rule name.
     static std::unique_ptr<DiaryStore> makeStore(Executor &executor);
@@ -78,7 +87,8 @@ public:
 
 private:
     void applicationStateChanged(Qt::ApplicationState state);
-    bool claimVault();
+    bool claimVault(LaunchAction action = LaunchAction::Show);
+    void perform(LaunchAction action);
     std::unique_ptr<MainWindowController> makeMainWindow();
     void showMainWindow();
     void observeUpdates();

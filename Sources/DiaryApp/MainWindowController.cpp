@@ -264,6 +264,8 @@ bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
                 requestStatistics();
                 if (m_photoPreview)
                     m_photoPreview->askForMotionPreference();
+                if (onFirstPainted)
+                    onFirstPainted();
             },
             Qt::QueuedConnection);
     }

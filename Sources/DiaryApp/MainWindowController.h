@@ -84,6 +84,9 @@ public:
     // Shown again in front of the other windows, where the desktop allows it.
     void bringToFront();
 
+    // Once, after the window's first picture.
+    std::function<void()> onFirstPainted;
+
     // The user closed the window. The session is saved, as far as it could be.
     std::function<void()> onClose;
 

@@ -25,8 +25,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A token is one line of some dozen characters.
-constexpr std::size_t longestToken = 4096;
+// A token is one line of some dozen characters, an action one word.
+constexpr std::size_t longestKnock = 4096;
 
 fs::path claimsFolder() {
     if (const char *runtime = std::getenv("XDG_RUNTIME_DIR"); runtime && *runtime == '/')
@@ -80,13 +80,13 @@ std::unique_ptr<VaultClaim> VaultClaim::take(const fs::path &vault) {
     return std::unique_ptr<VaultClaim>(new VaultClaim(std::move(folder), name + ".socket", std::move(lock)));
 }
 
-bool VaultClaim::knock(const fs::path &vault, const QByteArray &activationToken) {
+bool VaultClaim::knock(const fs::path &vault, const LaunchRequest &request) {
     const auto folder = openClaimsFolder();
     const auto address = addressOf(folder, nameOf(vault) + ".socket");
     const FileDescriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    return address && ::sendto(socket.get(), activationToken.constData(),
-                               static_cast<std::size_t>(activationToken.size()), MSG_NOSIGNAL,
-                               pointer(*address), sizeof *address) >= 0;
+    const auto bytes = encoded(request);
+    return address && ::sendto(socket.get(), bytes.constData(), static_cast<std::size_t>(bytes.size()),
+                               MSG_NOSIGNAL, pointer(*address), sizeof *address) >= 0;
 }
 
 VaultClaim::VaultClaim(FileDescriptor folder, std::string name, FileDescriptor lock)
@@ -120,10 +120,13 @@ void VaultClaim::listen() {
 }
 
 void VaultClaim::receive() {
-    std::array<char, longestToken> token{};
-    const auto size = ::recv(m_socket.get(), token.data(), token.size(), 0);
-    if (size >= 0 && onKnock)
-        onKnock(QByteArray(token.data(), size));
+    std::array<char, longestKnock> bytes{};
+    // The true length, even when not all of it was taken in.
+    const auto size = ::recv(m_socket.get(), bytes.data(), bytes.size(), MSG_TRUNC);
+    if (size < 0 || !onKnock)
+        return;
+    const bool isWhole = static_cast<std::size_t>(size) <= bytes.size();
+    onKnock(isWhole ? decodedLaunchRequest(QByteArray(bytes.data(), size)) : LaunchRequest{});
 }
 
 } // namespace diary

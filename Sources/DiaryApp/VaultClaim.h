@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <DiaryApp/LaunchRequest.h>
 #include <DiaryKit/DurableFile.h>
 
-#include <QByteArray>
 #include <QSocketNotifier>
 
 #include <filesystem>
@@ -25,9 +25,9 @@ public:
     // does not keep anyone from his diary: the claim then stands, though others may too.
     static std::unique_ptr<VaultClaim> take(const std::filesystem::path &vault);
 
-    // Asks the holder to come to the front. False when it did not listen, as while it still starts. The token
-    // is what the desktop gave this process to take the focus with; it may be empty.
-    static bool knock(const std::filesystem::path &vault, const QByteArray &activationToken);
+    // Asks the holder to come to the front and do what this launch was to do. False when it did not listen,
+    // as while it still starts.
+    static bool knock(const std::filesystem::path &vault, const LaunchRequest &request);
 
     // For files about the vault: the same for every way of writing its path, whether or not it exists.
     static std::string nameOf(const std::filesystem::path &vault);
@@ -36,8 +36,8 @@ public:
     VaultClaim &operator=(const VaultClaim &) = delete;
     ~VaultClaim();
 
-    // With the token of the process that knocked.
-    std::function<void(const QByteArray &)> onKnock;
+    // With what the process that knocked was launched for.
+    std::function<void(const LaunchRequest &)> onKnock;
 
 private:
     VaultClaim(FileDescriptor folder, std::string name, FileDescriptor lock);

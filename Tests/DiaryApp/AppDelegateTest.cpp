@@ -105,12 +105,15 @@ TEST_F(AppDelegateTest, canBeAskedToTerminateBeforeItHasAWindow) {
 // The program, started over the vault folder "vault".
 class RunningAppDelegateTest : public AppDelegateTest {
 protected:
-    void start() {
+    void makeDelegate() {
         delegate = std::make_unique<AppDelegate>(
             clock, fileManager,
             AppServices{
                 .folderChooser = &chooser, .openUrl = nullptr, .updates = &updates, .photos = nullptr});
-        delegate->applicationDidFinishLaunching();
+    }
+    void start(LaunchAction action = LaunchAction::Show) {
+        makeDelegate();
+        delegate->applicationDidFinishLaunching(action);
     }
     void type(const char *text) const {
         QTest::keyClicks(delegate->mainWindowController()->textView(), QString::fromUtf8(text));
@@ -275,10 +278,76 @@ TEST_F(RunningAppDelegateTest, comesToTheFrontWhenItIsLaunchedAgain) {
     EXPECT_TRUE(QTest::qWaitFor([window] { return !window->isMinimized(); }));
 }
 
+TEST_F(RunningAppDelegateTest, goesToTodayWhenItIsLaunchedForIt) {
+    start();
+    auto &session = delegate->mainWindowController()->session();
+    const auto today = session.currentMonthDay();
+    session.step(3);
+    EXPECT_TRUE(VaultClaim::knock(folder / "vault", {.action = LaunchAction::Today, .activationToken = {}}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return session.currentMonthDay() == today; }));
+}
+
+TEST_F(RunningAppDelegateTest, staysOnItsDayWhenItIsLaunchedAgain) {
+    start();
+    auto &session = delegate->mainWindowController()->session();
+    session.step(3);
+    const auto day = session.currentMonthDay();
+    delegate->mainWindowController()->window()->showMinimized();
+    delegate->answerLaunch({});
+    EXPECT_FALSE(delegate->mainWindowController()->window()->isMinimized());
+    EXPECT_EQ(session.currentMonthDay(), day);
+}
+
+TEST_F(RunningAppDelegateTest, showsTheSearchWindowWhenItIsLaunchedForIt) {
+    const auto isSearching = [] {
+        const auto windows = QApplication::topLevelWidgets();
+        return std::any_of(windows.begin(), windows.end(), [](const QWidget *window) {
+            return window->isVisible() && window->objectName() == QLatin1String("DiarySearchWindow");
+        });
+    };
+    start();
+    EXPECT_FALSE(isSearching());
+    EXPECT_TRUE(VaultClaim::knock(folder / "vault", {.action = LaunchAction::Search, .activationToken = {}}));
+    EXPECT_TRUE(QTest::qWaitFor(isSearching));
+    delegate.reset();
+    EXPECT_FALSE(isSearching());
+    start(LaunchAction::Search);
+    EXPECT_TRUE(isSearching());
+}
+
+TEST_F(RunningAppDelegateTest, answersNoLaunchBeforeItHasAWindow) {
+    makeDelegate();
+    delegate->answerLaunch({.action = LaunchAction::Search, .activationToken = {}});
+    EXPECT_EQ(delegate->mainWindowController(), nullptr);
+}
+
+TEST_F(RunningAppDelegateTest, tellsOnceThatTheFirstWindowIsPainted) {
+    makeDelegate();
+    int times = 0;
+    delegate->onFirstPainted = [&] { ++times; };
+    delegate->applicationDidFinishLaunching();
+    EXPECT_EQ(times, 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return times == 1; }));
+    delegate->rebuildMainWindow();
+    delegate->mainWindowController()->window()->repaint();
+    QApplication::processEvents();
+    EXPECT_EQ(times, 1);
+}
+
+TEST_F(RunningAppDelegateTest, handsItsActionToTheProcessThatShowsTheVault) {
+    const auto claim = VaultClaim::take(folder / "vault");
+    std::vector<LaunchAction> actions;
+    claim->onKnock = [&](const LaunchRequest &request) { actions.push_back(request.action); };
+    start(LaunchAction::Search);
+    EXPECT_EQ(delegate->mainWindowController(), nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !actions.empty(); }));
+    EXPECT_EQ(actions, std::vector{LaunchAction::Search});
+}
+
 TEST_F(RunningAppDelegateTest, endsAtOnceWhenAnotherProcessShowsTheVault) {
     const auto claim = VaultClaim::take(folder / "vault");
     int knocks = 0;
-    claim->onKnock = [&](const QByteArray &) { ++knocks; };
+    claim->onKnock = [&](const LaunchRequest &) { ++knocks; };
     start();
     EXPECT_EQ(delegate->mainWindowController(), nullptr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return knocks == 1; }));
