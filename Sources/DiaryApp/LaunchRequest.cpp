@@ -47,7 +47,7 @@ QByteArray encoded(const LaunchRequest &request) {
 LaunchRequest decodedLaunchRequest(const QByteArray &bytes) {
     LaunchRequest request;
     const auto end = bytes.indexOf('\0');
-    request.activationToken = bytes.left(end);
+    request.activationToken = end < 0 ? bytes : bytes.left(end);
     if (end >= 0)
         request.action = launchActionNamed(bytes.mid(end + 1)).value_or(LaunchAction::Show);
     if (std::any_of(request.activationToken.begin(), request.activationToken.end(), isControlCharacter))

@@ -30,7 +30,9 @@ void forgetScenario() {
 } // namespace
 
 SelfTest::SelfTest() {
-    auto pattern = (std::filesystem::temp_directory_path() / "tavelo-self-test-XXXXXX").string();
+    const char *place = std::getenv("TMPDIR");
+    auto pattern =
+        (std::filesystem::path(place && *place ? place : "/tmp") / "tavelo-self-test-XXXXXX").string();
     if (!::mkdtemp(pattern.data()))
         throw std::system_error(errno, std::generic_category(), pattern);
     m_folder = pattern;
