@@ -16,6 +16,6 @@ int main(int argc, char *argv[]) {
     diary::SystemClock clock;
     diary::DesktopFileManager fileManager;
     diary::AppDelegate delegate(clock, fileManager);
-    QTimer::singleShot(0, &delegate, &diary::AppDelegate::applicationDidFinishLaunching);
+    QTimer::singleShot(0, &delegate, [&delegate] { delegate.applicationDidFinishLaunching(); });
     return QApplication::exec();
 }
