@@ -667,7 +667,7 @@ void SettingsWindowController::checkForUpdates() {
     m_updateCheckButton->setEnabled(false);
     setUpdateStatus(L("Checking…"));
     const auto finish = [self = QPointer(this), hadKeyboard, focused = QPointer(m_window->focusWidget())](
-                            const UpdateChecker::CheckResult &result) {
+                            const Updates::CheckResult &result) {
         if (!self)
             return;
         const auto *updates = self->m_services.updates;
@@ -681,7 +681,7 @@ void SettingsWindowController::checkForUpdates() {
     if (m_services.updates)
         m_services.updates->runCheck(finish);
     else
-        finish(UpdateChecker::Failed{});
+        finish(Updates::Failed{});
 }
 
 void SettingsWindowController::sendFeedback() {
