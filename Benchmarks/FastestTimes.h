@@ -35,8 +35,13 @@ public:
     // For work that must be done before the next picture.
     void printShareOfAFrame(const char *title, const char *name, const char *aim) const {
         constexpr double frame = 16;
+        printShareOf(title, name, frame, aim);
+    }
+
+    void printShareOf(const char *title, const char *name, double milliseconds, const char *aim) const {
         const double mine = m_seconds.at(name) * 1e3;
-        std::printf("%-52s %8.2f %8s   (%.3f ms / %.0f ms)\n", title, mine / frame, aim, mine, frame);
+        std::printf("%-52s %8.2f %8s   (%.3f ms / %.0f ms)\n", title, mine / milliseconds, aim, mine,
+                    milliseconds);
     }
 
 private:

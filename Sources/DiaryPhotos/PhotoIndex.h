@@ -49,11 +49,11 @@ public:
     };
 
     struct Changes {
-        std::vector<Reading> read; // replace what was known of the same file
-        std::vector<GoneFile> goneFiles;
-        std::vector<std::int64_t> goneFolders; // with their files, not with folders below
-        std::vector<std::int64_t> unreachableFolders;
-        std::vector<std::int64_t> reachableFolders;
+        std::vector<Reading> read = {}; // replace what was known of the same file
+        std::vector<GoneFile> goneFiles = {};
+        std::vector<std::int64_t> goneFolders = {}; // with their files, not with folders below
+        std::vector<std::int64_t> unreachableFolders = {};
+        std::vector<std::int64_t> reachableFolders = {};
 
         bool isEmpty() const {
             return read.empty() && goneFiles.empty() && goneFolders.empty() && unreachableFolders.empty() &&

@@ -537,14 +537,14 @@ TEST_F(RunningAppDelegateTest, tellsTheResultOfACheckThatTheUserAskedFor) {
     delegate->checkForUpdates();
     ASSERT_EQ(updates.completions.size(), 1U);
     EXPECT_EQ(alert(), nullptr);
-    updates.answer(UpdateChecker::UpdateFound{QStringLiteral("1.3.0")});
+    updates.answer(Updates::UpdateFound{QStringLiteral("1.3.0")});
     ASSERT_NE(alert(), nullptr);
     EXPECT_EQ(alert()->text(), QStringLiteral("A new version is available"));
     press("OK");
     delegate->checkForUpdates();
     EXPECT_EQ(updates.completions.size(), 1U);
     delegate.reset();
-    updates.answer(UpdateChecker::UpToDate{});
+    updates.answer(Updates::UpToDate{});
 }
 
 // A machine with a cloud drive and no diary yet.

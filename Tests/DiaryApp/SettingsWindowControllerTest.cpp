@@ -826,16 +826,16 @@ TEST_F(SettingsWindowTest, followsTheUpdater) {
 
 TEST_F(SettingsWindowTest, tellsTheResultOfACheck) {
     struct Row {
-        UpdateChecker::CheckResult result;
+        Updates::CheckResult result;
         bool isSupported;
         QString shown;
     };
     const Row rows[] = {
-        {UpdateChecker::UpToDate{}, true, L("UpToDateTitle")},
-        {UpdateChecker::UpdateFound{QStringLiteral("1.3.0")}, true,
+        {Updates::UpToDate{}, true, L("UpToDateTitle")},
+        {Updates::UpdateFound{QStringLiteral("1.3.0")}, true,
          L("UpdateReadyNotice", QStringLiteral("1.3.0"))},
-        {UpdateChecker::Failed{}, true, L("UpdateFailedTitle")},
-        {UpdateChecker::Failed{}, false, L("UpdateUnsupportedInfo")},
+        {Updates::Failed{}, true, L("UpdateFailedTitle")},
+        {Updates::Failed{}, false, L("UpdateUnsupportedInfo")},
     };
     open();
     for (const auto &row : rows) {
@@ -858,7 +858,7 @@ TEST_F(SettingsWindowTest, goesOnCheckingWhenItIsRebuilt) {
     controller->rebuildContent();
     EXPECT_FALSE(button("checkForUpdates")->isEnabled());
     EXPECT_EQ(text("updateStatus"), QStringLiteral("Checking…"));
-    updates.answer(UpdateChecker::UpToDate{});
+    updates.answer(Updates::UpToDate{});
     EXPECT_TRUE(button("checkForUpdates")->isEnabled());
     EXPECT_EQ(text("updateStatus"), L("UpToDateTitle"));
 }
@@ -867,7 +867,7 @@ TEST_F(SettingsWindowTest, mayGoDuringACheck) {
     open();
     press("checkForUpdates");
     controller.reset();
-    updates.answer(UpdateChecker::UpToDate{});
+    updates.answer(Updates::UpToDate{});
 }
 
 TEST_F(SettingsWindowTest, saysSoWhereTheProgramCannotUpdateItself) {

@@ -23,24 +23,24 @@ TEST(UpdateNotices, tellWhatIsReadyBeforeWhatIsOnItsWay) {
 
 TEST(UpdateNotices, tellTheResultOfACheckInAWord) {
     using namespace UpdateNotices;
-    EXPECT_EQ(status(UpdateChecker::UpToDate{}, true), QStringLiteral("Tavelo is up to date"));
-    EXPECT_EQ(status(UpdateChecker::UpdateFound{version}, true), ready(version));
-    EXPECT_EQ(status(UpdateChecker::Failed{}, true), QStringLiteral("Could not check for updates"));
-    EXPECT_TRUE(status(UpdateChecker::Failed{}, false).contains(QStringLiteral("cannot update itself")));
+    EXPECT_EQ(status(Updates::UpToDate{}, true), QStringLiteral("Tavelo is up to date"));
+    EXPECT_EQ(status(Updates::UpdateFound{version}, true), ready(version));
+    EXPECT_EQ(status(Updates::Failed{}, true), QStringLiteral("Could not check for updates"));
+    EXPECT_TRUE(status(Updates::Failed{}, false).contains(QStringLiteral("cannot update itself")));
 }
 
 TEST(UpdateNotices, tellTheResultOfACheckAtLength) {
     const auto running = QStringLiteral("1.4.1");
-    const auto newest = UpdateNotices::alert(UpdateChecker::UpToDate{}, true, running);
+    const auto newest = UpdateNotices::alert(Updates::UpToDate{}, true, running);
     EXPECT_EQ(newest.message, QStringLiteral("Tavelo is up to date"));
     EXPECT_EQ(newest.informativeText, QStringLiteral("Version 1.4.1 is the latest version."));
-    const auto found = UpdateNotices::alert(UpdateChecker::UpdateFound{version}, true, running);
+    const auto found = UpdateNotices::alert(Updates::UpdateFound{version}, true, running);
     EXPECT_EQ(found.message, QStringLiteral("A new version is available"));
     EXPECT_TRUE(found.informativeText.startsWith(QStringLiteral("Tavelo 1.4.2 has been downloaded")));
-    const auto failed = UpdateNotices::alert(UpdateChecker::Failed{}, true, running);
+    const auto failed = UpdateNotices::alert(Updates::Failed{}, true, running);
     EXPECT_EQ(failed.message, QStringLiteral("Could not check for updates"));
     EXPECT_TRUE(failed.informativeText.contains(QStringLiteral("internet connection")));
-    const auto unsupported = UpdateNotices::alert(UpdateChecker::Failed{}, false, running);
+    const auto unsupported = UpdateNotices::alert(Updates::Failed{}, false, running);
     EXPECT_EQ(unsupported.message, failed.message);
     EXPECT_TRUE(unsupported.informativeText.contains(QStringLiteral("cannot update itself")));
 }
