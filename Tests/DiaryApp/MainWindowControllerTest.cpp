@@ -66,9 +66,11 @@ protected:
     }
 
     void show() {
+        MenuActions programActions;
+        programActions.quit = [this] { ++quits; };
         controller = std::make_unique<MainWindowController>(
             std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
-            fileManager, MenuActions{.quit = [this] { ++quits; }}, std::move(photoLibrary),
+            fileManager, std::move(programActions), std::move(photoLibrary),
             std::make_unique<PhotoPreviewController>(fileManager, executor, nullptr));
         controller->showWindow();
         controller->window()->activateWindow();
@@ -811,6 +813,19 @@ TEST_F(MainWindowGalleryTest, showsPhotosWhileMoreAndMoreAreFound) {
     showPhotos();
     EXPECT_EQ(source.queries.size(), 2U);
     EXPECT_EQ(shownPhotos().size(), 4U);
+}
+
+TEST_F(MainWindowGalleryTest, showsThePhotoThatIsClickedLargeAndStepsFromThere) {
+    show();
+    showPhotos();
+    gallery()->tileViews()[1]->click();
+    ASSERT_TRUE(controller->photoPreview()->panel());
+    EXPECT_TRUE(controller->photoPreview()->panel()->isOpen());
+    EXPECT_EQ(controller->photoPreview()->panel()->accessibleName(), QStringLiteral("03-14-1.jpg, 2 / 3"));
+    press(Qt::Key_Right, {});
+    EXPECT_EQ(controller->photoPreview()->panel()->accessibleName(), QStringLiteral("03-14-2.jpg, 3 / 3"));
+    press(Qt::Key_Escape, {});
+    EXPECT_FALSE(controller->photoPreview()->panel()->isOpen());
 }
 
 TEST_F(MainWindowGalleryTest, survivesPhotosThatComeAfterItIsGone) {

@@ -68,8 +68,9 @@ TEST(PhotoGalleryLayout, dividesEveryWidthEvenly) {
                 EXPECT_EQ(tiles[index].width(), tiles[index - 3].width()) << width;
                 EXPECT_EQ(tiles[index].y(), tiles[index - 3].y() + tiles[0].height() + 18) << width;
             }
-            if (index % 3 > 0)
+            if (index % 3 > 0) {
                 EXPECT_EQ(tiles[index].x(), tiles[index - 1].x() + tiles[index - 1].width() + 12) << width;
+            }
         }
         if (width >= 124) {
             EXPECT_EQ(tiles[2].x() + tiles[2].width(), width);

@@ -48,9 +48,11 @@ protected:
     }
 
     // Started, in front, and with the keyboard.
-    void startProgram() {
+    void startProgram(const std::map<std::string, std::string> &more = {}) {
+        auto variables = environment();
+        variables.insert(more.begin(), more.end());
         program = std::make_unique<testing::ChildProcess>(
-            std::vector<std::string>{testing::builtProgram("TAVELO_TEST_TAVELO")}, environment());
+            std::vector<std::string>{testing::builtProgram("TAVELO_TEST_TAVELO")}, variables);
         ASSERT_TRUE(testing::waitUntil([this] { return windows() == 1 || !program->isRunning(); }));
         ASSERT_TRUE(program->isRunning()) << program->errors();
         ASSERT_TRUE(testing::waitUntil([this] { return focusedWindow().starts_with(today.fileName()); }))

@@ -5,6 +5,7 @@
     accessibility.py PROGRAM tree              every object: depth, role, name, description, states, actions
     accessibility.py PROGRAM text ROLE NAME    the text of an object
     accessibility.py PROGRAM press ROLE NAME   its first action
+    accessibility.py PROGRAM insert ROLE NAME TEXT   puts a text at the end of its own
     accessibility.py PROGRAM caret ROLE NAME   its caret position and selections
     accessibility.py PROGRAM extents ROLE NAME OFFSET   where a character stands on the screen: x y width height
 Fields are separated by tabs. Exits with 1 when there is no such program or object.
@@ -68,6 +69,10 @@ def main():
     accessible = find(root, *arguments[:2])
     if command == "press":
         if not accessible.queryAction().doAction(0):
+            sys.exit(1)
+    elif command == "insert":
+        end = accessible.queryText().characterCount
+        if not accessible.queryEditableText().insertText(end, arguments[2], len(arguments[2])):
             sys.exit(1)
     elif command == "text":
         print(accessible.queryText().getText(0, -1), end="")
