@@ -101,7 +101,7 @@ fs::path UpdateStaging::application() const {
     }
     if (found.empty())
         fail("find the application", m_folder, ENOENT);
-    const auto first = *std::min_element(found.begin(), found.end());
+    auto first = *std::min_element(found.begin(), found.end());
     if (!fs::is_directory(fs::symlink_status(first)))
         fail("find the application", first, ENOTDIR);
     return first;

@@ -71,8 +71,8 @@ private:
         m_answer.body.clear();
         m_silence.start(m_request.timeout);
         m_reply = m_manager.get(requestFor(url));
-        // Without it the manager's thread would read for as long as a fast server sends, and the manager would
-        // wait for that thread when it goes.
+        // Without it the manager's thread would read for as long as a fast server sends, and the manager
+        // would wait for that thread when it goes.
         m_reply->setReadBufferSize(readAhead);
         QObject::connect(m_reply, &QNetworkReply::metaDataChanged, &m_context, [this] { readHeaders(); });
         QObject::connect(m_reply, &QNetworkReply::readyRead, &m_context, [this] { readBody(); });
