@@ -225,7 +225,7 @@ public:
             throwIfStopped(m_stop);
             if (path.empty() && name == sealFolder)
                 continue;
-            addEntry(folder, name, path.empty() ? name : path + "/" + name);
+            addEntry(folder, name, path.empty() ? name : std::string(path).append("/").append(name));
         }
     }
 
@@ -366,7 +366,7 @@ BundleSeal signedSeal(const FileDescriptor &bundle, const MinisignPublicKey &key
     const auto names = Listing::namesIn(folder, folderName);
     for (const auto &name : names) {
         if (name != listName && name != signatureName)
-            throw BundleError("was added: " + readable(folderName + "/" + name));
+            throw BundleError("was added: " + readable(std::string(folderName).append("/").append(name)));
     }
     const auto signature = MinisignSignature::parse(readSealFile(folder, signatureName, largestSignature));
     const auto list = readSealFile(folder, listName, largestList);

@@ -123,6 +123,7 @@ bool LinuxUpdateTools::launchInstallScript(const std::filesystem::path &script,
     std::array words = {std::string("/bin/sh"), script.string(),    std::to_string(processIdentifier),
                         staged.string(),        installed.string(), stagingFolder.string()};
     std::vector<char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (auto &word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -125,7 +125,7 @@ void archiveBundle(const fs::path &bundle, const fs::path &archive, std::int64_t
     const auto top = bundle.filename().string();
     writer.add(top + "/", AE_IFDIR, 0755, {});
     for (const auto &[path, entry] : contents) {
-        const auto name = top + "/" + path;
+        const auto name = std::string(top).append("/").append(path);
         switch (entry.kind) {
         case Kind::Folder:
             writer.add(name + "/", AE_IFDIR, 0755, {});
