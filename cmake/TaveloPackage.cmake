@@ -30,18 +30,18 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-wayland, qt6-image-formats-plugins")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "qt6-translations-l10n, fonts-noto-core | fonts-dejavu-core, fonts-noto-cjk, fonts-noto-color-emoji, xdg-user-dirs")
+# Below the summary, which cpack puts first.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-    "desktop diary over a folder of plain Markdown files
- Tavelo keeps one file for each day of the year, with one section in it for
- each year. You write today's entry and read beside it what you wrote on this
- date in other years.
- .
- The folder is the user's own: any program may read it and any tool may sync
- it. What another machine wrote into a file is merged, never overwritten, and
- no saved text is lost when the disk, a sync tool or the power fails.
- .
- The package also has tavelo-cli, which appends to, searches and checks the
- same diary from a terminal.")
+    "Tavelo keeps one file for each day of the year, with one section in it for
+each year. You write today's entry and read beside it what you wrote on this
+date in other years.
+.
+The folder is the user's own: any program may read it and any tool may sync
+it. What another machine wrote into a file is merged, never overwritten, and
+no saved text is lost when the disk, a sync tool or the power fails.
+.
+The package also has tavelo-cli, which appends to, searches and checks the
+same diary from a terminal.")
 
 # The files that every Debian package has.
 set(changelog ${CMAKE_BINARY_DIR}/changelog.Debian)
@@ -61,5 +61,6 @@ install(
   endforeach()")
 install(FILES ${changelog}.gz DESTINATION share/doc/tavelo)
 install(FILES Resources/debian/copyright DESTINATION share/doc/tavelo)
+install(FILES Resources/debian/lintian-overrides DESTINATION share/lintian/overrides RENAME tavelo)
 
 include(CPack)
