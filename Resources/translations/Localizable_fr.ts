@@ -206,7 +206,7 @@
     <message>
         <source>UpdateKeptNotice</source>
         <extracomment>Shown for some seconds in the status bar; %@ is a version number. Room: 560 px.</extracomment>
-        <translation>Tavelo %@ n’a pas pu être installé ; rien n’a changé</translation>
+        <translation>Tavelo %@ n’a pas pu être installé ; rien n’a changé</translation>
     </message>
     <message>
         <source>UpdateDownloadingNotice</source>

@@ -28,6 +28,8 @@ constexpr double defaultDelaySeconds = 2.0;
 constexpr double longestDelaySeconds = 24 * 60 * 60;
 // The page's photos are there by then.
 constexpr std::chrono::seconds photoDelay{1};
+constexpr std::chrono::seconds longestSettling{10};
+constexpr std::chrono::milliseconds settlingPause{10};
 
 std::chrono::milliseconds screenshotDelay() {
     bool isNumber = false;
@@ -100,6 +102,18 @@ void takePictures(AppDelegate &delegate, const QString &path) {
     }
 }
 
+// The figures of a slow disk may come later than the delay; two pictures of one page would then differ.
+void finishWhenSettled(AppDelegate &delegate, std::chrono::steady_clock::time_point deadline) {
+    const auto *controller = delegate.mainWindowController();
+    if (controller && controller->isReadingStatistics() && std::chrono::steady_clock::now() < deadline) {
+        QTimer::singleShot(settlingPause, &delegate,
+                           [&delegate, deadline] { finishWhenSettled(delegate, deadline); });
+        return;
+    }
+    takePictures(delegate, qEnvironmentVariable("DIARY_SCREENSHOT"));
+    delegate.terminate();
+}
+
 } // namespace
 
 void runDebugScenario(AppDelegate &delegate) {
@@ -121,10 +135,8 @@ void runDebugScenario(AppDelegate &delegate) {
 
     openRequestedPhoto(delegate);
 
-    const auto path = qEnvironmentVariable("DIARY_SCREENSHOT");
-    QTimer::singleShot(screenshotDelay(), &delegate, [&delegate, path] {
-        takePictures(delegate, path);
-        delegate.terminate();
+    QTimer::singleShot(screenshotDelay(), &delegate, [&delegate] {
+        finishWhenSettled(delegate, std::chrono::steady_clock::now() + longestSettling);
     });
 }
 

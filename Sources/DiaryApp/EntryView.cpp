@@ -176,6 +176,7 @@ void EntryView::update(const Model &model) {
     // The order among the children is the one in which assistive technologies read them.
     m_galleryView->raise();
     m_gapLine->raise();
+    m_galleryView->setTabPredecessor(m_textView ? static_cast<QWidget *>(m_textView) : m_nextDay);
     // A click on the paper must not take the keyboard away from the editor.
     m_scrollView->setFocusPolicy(m_textView ? Qt::NoFocus : Qt::StrongFocus);
     layOut();
@@ -241,7 +242,6 @@ void EntryView::showEditor(const Model::Block::Editor &editor, const QString &ye
         const int contentWidth = entryContentWidth(width());
         m_textView->resize(contentWidth, m_textView->height());
         m_placeholderLabel->resize(contentWidth, m_placeholderLabel->height());
-        // Before the photos, which come next.
         setTabOrder(m_nextDay, m_textView);
     }
     m_textView->setText(editor.draft);

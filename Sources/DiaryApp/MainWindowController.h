@@ -101,6 +101,9 @@ public:
 
     void showYearOverview();
 
+    // Whether what the vault holds is still to be shown.
+    bool isReadingStatistics() const { return m_statisticsRequest != StatisticsRequest::None; }
+
     // Shows the photos of the day large, from this one on; the last when there are not so many, and nothing
     // when there are none.
     void openPhotoPreview(std::size_t index);

@@ -76,8 +76,11 @@ void PhotoGalleryView::setPhotos(const std::vector<DayPhoto> &photos, const std:
     m_captionLabel->setText(caption.value_or(QString()));
     m_captionLabel->setVisible(!photos.empty());
     m_markLabel->setVisible(!photos.empty());
+    const bool hasNewTiles = photos.size() > m_tileViews.size();
     for (std::size_t index = 0; index < photos.size(); ++index)
         tile(index)->update(photos[index]);
+    if (hasNewTiles)
+        bringInTabOrder();
     if (focused && *focused >= photos.size() && !photos.empty())
         m_tileViews[photos.size() - 1]->setFocus(Qt::OtherFocusReason);
     removeTiles(m_tileViews.size() - photos.size());
@@ -96,10 +99,25 @@ PhotoTileView *PhotoGalleryView::tile(std::size_t index) {
             onOpenPhoto(index);
     };
     view->installEventFilter(this);
-    setTabOrder(m_tileViews.empty() ? static_cast<QWidget *>(this) : m_tileViews.back(), view);
     view->show();
     m_tileViews.push_back(view);
     return view;
+}
+
+void PhotoGalleryView::setTabPredecessor(QWidget *widget) {
+    if (widget == m_tabPredecessor)
+        return;
+    m_tabPredecessor = widget;
+    bringInTabOrder();
+}
+
+void PhotoGalleryView::bringInTabOrder() {
+    QWidget *previous = m_tabPredecessor;
+    for (auto *view : m_tileViews) {
+        if (previous)
+            setTabOrder(previous, view);
+        previous = view;
+    }
 }
 
 // The last ones.

@@ -3,6 +3,7 @@
 
 #include <DiaryApp/DayPhoto.h>
 
+#include <QPointer>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -76,6 +77,9 @@ public:
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
 
+    // The widget, one that takes the keyboard, after which the Tab key comes to the first tile.
+    void setTabPredecessor(QWidget *widget);
+
     // For when the gallery was moved under a pointer that stood still.
     void recheckPointer();
 
@@ -89,6 +93,7 @@ private:
     PhotoGalleryLayout layoutForWidth(int width) const;
     PhotoTileView *tile(std::size_t index);
     void removeTiles(std::size_t count);
+    void bringInTabOrder();
     void layOut();
     std::optional<std::size_t> focusedIndex() const;
 
@@ -96,6 +101,7 @@ private:
     ThemeLabel *m_markLabel;
     ElidedLabel *m_captionLabel;
     std::vector<PhotoTileView *> m_tileViews;
+    QPointer<QWidget> m_tabPredecessor;
 };
 
 } // namespace diary

@@ -343,7 +343,7 @@ void PhotoPreviewController::requestWhole(std::size_t index) {
                                onMain(&PhotoPreviewController::upgrade, index));
 }
 
-void PhotoPreviewController::upgrade(std::size_t index, std::optional<PhotoSource::FullImage> whole) {
+void PhotoPreviewController::upgrade(std::size_t index, const std::optional<PhotoSource::FullImage> &whole) {
     auto &photo = m_photos[index];
     auto &item = m_items[index];
     photo.whole = Photo::Whole::NotToBeHad;

@@ -99,7 +99,7 @@ private:
     void loadWholeImages();
     void dropFarImages();
     void requestWhole(std::size_t index);
-    void upgrade(std::size_t index, std::optional<PhotoSource::FullImage> whole);
+    void upgrade(std::size_t index, const std::optional<PhotoSource::FullImage> &whole);
     PhotoPreviewPanel::Model panelModel() const;
     void updatePanel();
     void makePanel(QWidget *over);

@@ -34,7 +34,7 @@ SettingsButton::SettingsButton(const QString &text, QWidget *parent)
     setFont(Theme::system(buttonFontSize));
     setAccessibleName(text);
     setAttribute(Qt::WA_Hover);
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     // So that Return presses it too.
     setAutoDefault(true);
 }

@@ -438,8 +438,8 @@ TEST_F(SettingsActionTest, speaksAnotherLanguageEverywhereAtOnce) {
         QTest::keyClick(part<SettingsMenu>("language"), Qt::Key_Down);
     EXPECT_EQ(Settings::shared().languageOverride(), QStringLiteral("de"));
     EXPECT_EQ(delegate->settingsWindowController()->window()->windowTitle(), QLatin1String("Einstellungen"));
-    const auto *menuBar = delegate->mainWindowController()->window()->menuBar();
-    EXPECT_TRUE(std::any_of(menuBar->actions().begin(), menuBar->actions().end(), [](const QAction *entry) {
+    const auto menus = delegate->mainWindowController()->window()->menuBar()->actions();
+    EXPECT_TRUE(std::any_of(menus.begin(), menus.end(), [](const QAction *entry) {
         return entry->text().remove(QLatin1Char('&')) == QLatin1String("Bearbeiten");
     }));
     EXPECT_EQ(folder.read("home/Documents/Diary/03-14.md"), "# 03-14\n\n## 2025\n\nKept\n");

@@ -46,6 +46,8 @@ public:
 };
 
 TEST(MotionPreference, isReducedWhereTheStyleDoesWithoutAnimations) {
+    // A style that was chosen before there was an application is nobody's, and would not be deleted.
+    QApplication::style()->setParent(qApp);
     QApplication::setStyle(new StillStyle);
     EXPECT_TRUE(MotionPreference().isReduced());
     QApplication::setStyle(QStringLiteral("fusion"));
