@@ -5,6 +5,7 @@
 
 #include "FastestTimes.h"
 
+#include <DiaryKit/DurableFile.h>
 #include <DiaryPhotos/PhotoIndex.h>
 #include <DiaryPhotos/PhotoScanner.h>
 
@@ -18,9 +19,8 @@
 #include <exiv2/exiv2.hpp>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <sys/stat.h>
@@ -62,8 +62,8 @@ void makePictures() {
     Exiv2::ExifThumb(data).setJpegThumbnail(first);
     image->writeMetadata();
 
-    std::ifstream stream(first, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    std::error_code error;
+    const auto bytes = diary::readWholeFile(first, error).value();
     for (int number = 0; number < pictureCount; ++number) {
         const auto where = folder / "pictures" / std::to_string(2000 + number % folderCount);
         fs::create_directories(where);

@@ -48,7 +48,7 @@ public:
     // How far the search for pictures has come.
     struct Progress {
         std::size_t filesFound = 0;
-        std::size_t filesRead = 0; // of these, the ones whose date is known
+        std::size_t filesRead = 0; // of these, the ones that were looked into
         bool isComplete = false;
 
         bool operator==(const Progress &) const = default;

@@ -16,11 +16,6 @@ namespace diary {
 
 namespace {
 
-// For each pixel of a picture decoded whole: its samples, once more while they are turned, and as RGB before
-// and after they are brought into the form that can be scaled.
-constexpr std::int64_t bytesPerPixel = 10;
-constexpr std::int64_t bytesPerDeepPixel = 16; // more than eight bits a channel
-
 // Colour profiles of cameras and screens are far below this.
 constexpr std::size_t largestProfileBytes = std::size_t{4} << 20;
 
@@ -90,7 +85,7 @@ std::int64_t pixelsOf(QSize size) {
 bool fitsMemory(const heif_image_handle &handle) {
     const auto pixels = pixelsOf(codedSize(handle));
     const bool isDeep = heif_image_handle_get_luma_bits_per_pixel(&handle) > 8;
-    return pixels <= largestDecodingBytes / (isDeep ? bytesPerDeepPixel : bytesPerPixel);
+    return pixels <= largestDecodingBytes / (isDeep ? heifBytesPerDeepPixel : heifBytesPerPixel);
 }
 
 // The colours that a file names by number instead of describing them.

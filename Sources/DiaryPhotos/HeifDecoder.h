@@ -7,8 +7,14 @@
 #include <QImage>
 
 #include <cstddef>
+#include <cstdint>
 
 namespace diary {
+
+// What each pixel takes while a picture is decoded: its samples, once more while they are turned and
+// converted, and as RGB before and after they are brought into the form that can be scaled. Measured.
+inline constexpr std::int64_t heifBytesPerPixel = 13;
+inline constexpr std::int64_t heifBytesPerDeepPixel = 17; // more than eight bits a channel
 
 // As many bytes as are needed to tell what a file is.
 inline constexpr std::size_t heifSignatureBytes = 64;

@@ -422,14 +422,13 @@ bool hasPhotoExtension(std::string_view name) {
     constexpr std::array extensions = {"jpg"sv, "jpeg"sv, "jpe"sv,  "png"sv,  "webp"sv,
                                        "tif"sv, "tiff"sv, "heic"sv, "heif"sv, "avif"sv};
     const auto dot = name.rfind('.');
-    if (dot == std::string_view::npos || name.size() - dot - 1 > 4)
+    if (dot == std::string_view::npos)
         return false;
-    std::array<char, 4> lower{};
-    const auto end =
-        std::transform(name.begin() + static_cast<std::ptrdiff_t>(dot) + 1, name.end(), lower.begin(),
-                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    const std::string_view extension(lower.data(), static_cast<std::size_t>(end - lower.begin()));
-    return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    const auto ending = name.substr(dot + 1);
+    const auto lowerCase = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::any_of(extensions.begin(), extensions.end(), [&](std::string_view extension) {
+        return std::ranges::equal(ending, extension, {}, lowerCase);
+    });
 }
 
 } // namespace diary

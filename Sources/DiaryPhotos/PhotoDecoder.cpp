@@ -136,12 +136,24 @@ QImage decodeWithQt(PhotoFile &file, const QByteArray &format, const ChooseSize 
     return reader.read();
 }
 
+// Many programs write an alpha channel that hides nothing, and scaling may add one.
+bool isOpaque(const QImage &image) {
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        if (!std::all_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) == 255; }))
+            return false;
+    }
+    return true;
+}
+
 QImage inCommonForm(QImage image) {
     if (image.isNull())
         return image;
     if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb))
         image.convertToColorSpace(QColorSpace::SRgb);
     image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    if (image.hasAlphaChannel() && isOpaque(image))
+        image.reinterpretAsFormat(QImage::Format_RGB32);
     return image;
 }
 

@@ -23,7 +23,7 @@ namespace diary {
 
 // What decoding one picture may take at most, in bytes of memory. A picture whose header announces more is
 // not begun; a JPEG, which can be decoded at a fraction of its size, is then made as large as this allows.
-inline constexpr std::int64_t largestDecodingBytes = std::int64_t{512} << 20;
+inline constexpr std::int64_t largestDecodingBytes = std::int64_t{640} << 20;
 
 // The largest picture that is decoded at all, since even a JPEG at a fraction of its size takes its time.
 inline constexpr std::int64_t largestPixels = 500'000'000;

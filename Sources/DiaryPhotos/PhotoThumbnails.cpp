@@ -208,7 +208,7 @@ QImage displayImage(const fs::path &file, QSize cover, const fs::path &thumbnail
     std::optional<ThumbnailSize> leaving;
     QSize thumbnail;
     QSize wanted;
-    const auto image = decodePhoto(*photo, [&](const PhotoHeader &header) {
+    auto image = decodePhoto(*photo, [&](const PhotoHeader &header) {
         wanted = sizeCovering(header.size, cover);
         leaving.reset();
         if (hasThumbnails && header.isHeldWhole &&

@@ -36,16 +36,20 @@ std::string fullBox(std::string_view type, unsigned version, const std::string &
     return box(type, bigEndian(version << 24, 4) + content);
 }
 
-// A TIFF directory with a sub-directory of one date.
-std::string exifBlock(std::string_view time) {
+// A TIFF directory, to stand at the offset, with a sub-directory of one date.
+std::string exifDirectories(std::string_view time, std::size_t offset) {
+    constexpr std::size_t directorySize = 18; // of one entry
     const std::string value = std::string(time) + std::string(1, '\0');
-    std::string block = "MM" + bigEndian(42, 2) + bigEndian(8, 4);
-    block += bigEndian(1, 2) + bigEndian(0x8769, 2) + bigEndian(4, 2) + bigEndian(1, 4) + bigEndian(26, 4);
-    block += bigEndian(0, 4);
-    block += bigEndian(1, 2) + bigEndian(0x9003, 2) + bigEndian(2, 2) + bigEndian(value.size(), 4) +
-             bigEndian(44, 4);
-    block += bigEndian(0, 4);
-    return block + value;
+    const auto directory = [](unsigned tag, unsigned type, std::size_t count, std::size_t valueOffset) {
+        return bigEndian(1, 2) + bigEndian(tag, 2) + bigEndian(type, 2) + bigEndian(count, 4) +
+               bigEndian(valueOffset, 4) + bigEndian(0, 4);
+    };
+    return directory(0x8769, 4, 1, offset + directorySize) +
+           directory(0x9003, 2, value.size(), offset + 2 * directorySize) + value;
+}
+
+std::string tiffHeader(std::size_t offset) {
+    return "MM" + bigEndian(42, 2) + bigEndian(offset, 4);
 }
 
 } // namespace
@@ -81,7 +85,7 @@ std::string heifWithDate(std::string_view brand, std::string_view time, std::siz
     const auto entry = fullBox("infe", 2, bigEndian(1, 2) + bigEndian(0, 2) + "Exif" + std::string(1, '\0'));
     const auto items = fullBox("iinf", 0, bigEndian(1, 2) + entry);
     // Before the data stands the offset of the TIFF header in it.
-    const auto data = bigEndian(6, 4) + std::string("Exif\0\0", 6) + exifBlock(time);
+    const auto data = bigEndian(6, 4) + std::string("Exif\0\0", 6) + tiffHeader(8) + exifDirectories(time, 8);
     const auto location = fullBox("iloc", 0,
                                   bigEndian(0x4400, 2) + bigEndian(1, 2) + bigEndian(1, 2) + bigEndian(0, 2) +
                                       bigEndian(1, 2) + bigEndian(offset, 4) + bigEndian(data.size(), 4));
@@ -91,6 +95,12 @@ std::string heifWithDate(std::string_view brand, std::string_view time, std::siz
     result += bigEndian(offset - result.size() + data.size(), 4) + "mdat";
     result.resize(offset, '\0');
     return result + data;
+}
+
+std::string tiffWithDate(std::string_view time, std::size_t offset) {
+    auto result = tiffHeader(offset);
+    result.resize(offset, '\0');
+    return result + exifDirectories(time, offset);
 }
 
 void setModified(const fs::path &file, std::int64_t seconds) {

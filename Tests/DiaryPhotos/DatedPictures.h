@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -26,6 +28,9 @@ void makePictureTakenAt(const std::filesystem::path &file, const std::string &ti
 
 // The boxes of a HEIF file with no picture in them, but with the date, which stands at the given offset.
 std::string heifWithDate(std::string_view brand, std::string_view time, std::size_t offset);
+
+// A TIFF file with no picture in it, but with the date, whose directories stand at the given offset.
+std::string tiffWithDate(std::string_view time, std::size_t offset);
 
 // The file's time, in seconds since 1970.
 void setModified(const std::filesystem::path &file, std::int64_t seconds);

@@ -324,12 +324,23 @@ TEST_F(ReadPhotoTest, survivesExifOffsetsThatLeadNowhere) {
 
 TEST_F(ReadPhotoTest, findsTheDateInAVeryLargeTiff) {
     makePictureTakenAt(folder / "a.tif", "2024:02:03 10:11:12");
-    // The metadata stay at the start, or, by the offset, at the end of what is mostly a hole.
     fs::resize_file(folder / "a.tif", std::uintmax_t(3) << 30);
     EXPECT_EQ(dateOf(folder / "a.tif"), original2024());
     fs::resize_file(folder / "a.tif", std::uintmax_t(5) << 30);
     setModified(folder / "a.tif", modifiedSeconds);
     EXPECT_EQ(dateOf(folder / "a.tif"), modified2021());
+}
+
+TEST_F(ReadPhotoTest, findsTheDateInATiffWhereverItsDirectoriesStand) {
+    for (const std::size_t offset : {8U, 100U, 5'000'000U, 20'000'000U}) {
+        // At the end, and amid more.
+        for (const std::size_t rest : {0U, 30'000'000U}) {
+            const auto bytes = tiffWithDate("2024:02:03 10:11:12", offset);
+            writeBytes(folder / "a.tif", bytes);
+            fs::resize_file(folder / "a.tif", bytes.size() + rest);
+            EXPECT_EQ(dateOf(folder / "a.tif"), original2024()) << offset << ' ' << rest;
+        }
+    }
 }
 
 TEST_F(ReadPhotoTest, refusesToReadAVeryLargeFileToItsEnd) {

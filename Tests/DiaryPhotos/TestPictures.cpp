@@ -55,22 +55,45 @@ heif_compression_format compressionOf(HeifKind kind) {
 
 using HeifImage = std::unique_ptr<heif_image, decltype(&heif_image_release)>;
 
-HeifImage toHeif(const QImage &image, const QByteArray &profile) {
-    const bool hasAlpha = image.hasAlphaChannel();
-    const auto pixels = image.convertToFormat(hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+// Pixels as the library takes them: bytes, or ten bits in two bytes, least significant first.
+std::vector<std::uint8_t> samplesOf(const QImage &image, bool isDeep) {
+    const int channels = image.hasAlphaChannel() ? 4 : 3;
+    std::vector<std::uint8_t> samples;
+    samples.reserve(static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) * 8);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const auto color = image.pixel(x, y);
+            const std::array values{qRed(color), qGreen(color), qBlue(color), qAlpha(color)};
+            for (int channel = 0; channel < channels; ++channel) {
+                const auto value = values.at(static_cast<std::size_t>(channel)) * (isDeep ? 4 : 1);
+                samples.push_back(static_cast<std::uint8_t>(value & 0xFF));
+                if (isDeep)
+                    samples.push_back(static_cast<std::uint8_t>(value >> 8));
+            }
+        }
+    }
+    return samples;
+}
+
+HeifImage toHeif(const QImage &image, const HeifOptions &options) {
+    constexpr std::array chromas{heif_chroma_interleaved_RGB, heif_chroma_interleaved_RGBA,
+                                 heif_chroma_interleaved_RRGGBB_LE, heif_chroma_interleaved_RRGGBBAA_LE};
+    const auto chroma = chromas.at((options.isDeep ? 2U : 0U) + (image.hasAlphaChannel() ? 1U : 0U));
     heif_image *made = nullptr;
-    check(heif_image_create(pixels.width(), pixels.height(), heif_colorspace_RGB,
-                            hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB, &made));
+    check(heif_image_create(image.width(), image.height(), heif_colorspace_RGB, chroma, &made));
     HeifImage result(made, &heif_image_release);
-    check(heif_image_add_plane(made, heif_channel_interleaved, pixels.width(), pixels.height(), 8));
+    check(heif_image_add_plane(made, heif_channel_interleaved, image.width(), image.height(),
+                               options.isDeep ? 10 : 8));
+    const auto samples = samplesOf(image, options.isDeep);
+    const auto row = samples.size() / static_cast<std::size_t>(image.height());
     int stride = 0;
     auto *plane = heif_image_get_plane(made, heif_channel_interleaved, &stride);
-    for (int y = 0; y < pixels.height(); ++y)
-        std::memcpy(plane + static_cast<std::ptrdiff_t>(y) * stride, pixels.constScanLine(y),
-                    static_cast<std::size_t>(pixels.width()) * (hasAlpha ? 4 : 3));
-    if (!profile.isEmpty())
-        check(heif_image_set_raw_color_profile(made, "prof", profile.constData(),
-                                               static_cast<std::size_t>(profile.size())));
+    for (int y = 0; y < image.height(); ++y)
+        std::memcpy(plane + static_cast<std::ptrdiff_t>(y) * stride,
+                    samples.data() + static_cast<std::size_t>(y) * row, row);
+    if (!options.profile.isEmpty())
+        check(heif_image_set_raw_color_profile(made, "prof", options.profile.constData(),
+                                               static_cast<std::size_t>(options.profile.size())));
     return result;
 }
 
@@ -151,11 +174,11 @@ QImage storedAs(int orientation, const QImage &upright) {
     case 4:
         return upright.mirrored(false, true);
     case 5:
-        return upright.transformed(QTransform(0, 1, 1, 0, 0, 0));
+        return upright.transformed(QTransform(0, 1, 1, 0, 0, 0)).convertToFormat(upright.format());
     case 6:
         return upright.transformed(QTransform().rotate(-90));
     case 7:
-        return upright.transformed(QTransform(0, -1, -1, 0, 0, 0));
+        return upright.transformed(QTransform(0, -1, -1, 0, 0, 0)).convertToFormat(upright.format());
     case 8:
         return upright.transformed(QTransform().rotate(90));
     default:
@@ -197,6 +220,46 @@ std::string jpegHeader(unsigned width, unsigned height, bool isProgressive) {
            std::string("\x03\x01\x00\x02\x00\x03\x00\x00\x3F\x00", 10);
 }
 
+std::string cmykJpeg(int width, int height, std::array<unsigned char, 4> inks) {
+    // Codes for differences of no, seven and eight bits, and one for blocks without any detail.
+    const auto table = [](const std::string &kind, const std::string &lengths, const std::string &values) {
+        return std::string("\xFF\xC4") + bigEndian(static_cast<unsigned>(3 + 16 + values.size()), 2) + kind +
+               lengths + std::string(16 - lengths.size(), '\0') + values;
+    };
+    std::string bytes = "\xFF\xD8\xFF\xDB" + bigEndian(67, 2) + std::string(1, '\0') +
+                        std::string(64, '\x08') + "\xFF\xC0" + bigEndian(8 + 3 * 4, 2) + "\x08" +
+                        bigEndian(static_cast<unsigned>(height), 2) +
+                        bigEndian(static_cast<unsigned>(width), 2) + "\x04";
+    for (const char component : {'\1', '\2', '\3', '\4'})
+        bytes += std::string{component, '\x11', '\0'};
+    bytes += table(std::string(1, '\0'), "\1\1\1", std::string("\0\7\x08", 3));
+    bytes += table("\x10", "\1", std::string(1, '\0'));
+    bytes += "\xFF\xDA" + bigEndian(6 + 2 * 4, 2) + "\x04";
+    for (const char component : {'\1', '\2', '\3', '\4'})
+        bytes += std::string{component, '\0'};
+    bytes += std::string("\0\x3F\0", 3);
+
+    // The first block of each ink tells the level, 0 or 255; the others do not differ. A zero ends each.
+    std::string bits;
+    for (const auto ink : inks)
+        bits += ink == 0 ? "110"
+                           "01111111"
+                           "0"
+                         : "10"
+                           "1111111"
+                           "0";
+    const auto blocks = ((width + 7) / 8) * ((height + 7) / 8);
+    bits += std::string(static_cast<std::size_t>(blocks - 1) * 4 * 2, '0');
+    bits += std::string((8 - bits.size() % 8) % 8, '1');
+    for (std::size_t at = 0; at < bits.size(); at += 8) {
+        const auto byte = static_cast<char>(std::stoi(bits.substr(at, 8), nullptr, 2));
+        bytes += byte;
+        if (byte == '\xFF')
+            bytes += '\0';
+    }
+    return bytes + "\xFF\xD9";
+}
+
 std::string uniformPng(unsigned width, unsigned height) {
     // One bit a pixel: a row is a filter and its bits.
     const auto rows = QByteArray(static_cast<qsizetype>(height) * (1 + (width + 7) / 8), '\0');
@@ -224,14 +287,14 @@ void writeHeif(const std::filesystem::path &file, const QImage &upright, const H
         heif_encoding_options_alloc(), &heif_encoding_options_free);
     encoding->image_orientation = static_cast<heif_orientation>(options.orientation);
 
-    const auto main = toHeif(storedAs(options.orientation, upright), options.profile);
+    const auto main = toHeif(storedAs(options.orientation, upright), options);
     heif_image_handle *handle = nullptr;
     check(heif_context_encode_image(context.get(), main.get(), made, encoding.get(), &handle));
     const std::unique_ptr<heif_image_handle, decltype(&heif_image_handle_release)> owned(
         handle, &heif_image_handle_release);
     if (options.thumbnailSide > 0) {
         const auto shown = options.thumbnail.isNull() ? upright : options.thumbnail;
-        const auto small = toHeif(storedAs(options.orientation, shown), {});
+        const auto small = toHeif(storedAs(options.orientation, shown), options);
         heif_image_handle *thumbnail = nullptr;
         check(heif_context_encode_thumbnail(context.get(), small.get(), handle, made, encoding.get(),
                                             options.thumbnailSide, &thumbnail));

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QSize>
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -35,6 +36,9 @@ QByteArray progressiveJpeg(const QImage &image);
 // The header of a JPEG and nothing else.
 std::string jpegHeader(unsigned width, unsigned height, bool isProgressive = false);
 
+// A JPEG of one colour in four inks, as printing programs write it.
+std::string cmykJpeg(int width, int height, std::array<unsigned char, 4> inks);
+
 // A complete PNG of one colour, which takes a thousandth of its size on the disk.
 std::string uniformPng(unsigned width, unsigned height);
 
@@ -44,8 +48,9 @@ struct HeifOptions {
     HeifKind kind = HeifKind::Heic;
     int orientation = 1;   // as in EXIF; the picture is stored turned and marked with the way back
     int thumbnailSide = 0; // of a small picture in the file; none at zero
-    QImage thumbnail;      // shown by the small picture instead of the main one
-    QByteArray profile;    // an ICC profile
+    QImage thumbnail{};    // shown by the small picture instead of the main one
+    bool isDeep = false;   // ten bits a channel
+    QByteArray profile{};  // an ICC profile
 };
 
 bool canWriteHeif(HeifKind kind);
