@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Support/ForkedTask.h"
+#include "Support/ScopedEnvironment.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/TestBundle.h"
 #include "Support/ZipBytes.h"
@@ -13,7 +14,8 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
+#include <optional>
+#include <set>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -22,6 +24,7 @@
 #include <archive_entry.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace diary {
 namespace {
@@ -82,6 +85,12 @@ private:
     TemporaryFolder m_folder;
     std::string m_error;
 };
+
+// Files in memory: some tests unpack a thousand times, and each time brings everything to the disk.
+std::optional<std::string> folderInMemory() {
+    const char *path = "/dev/shm";
+    return ::access(path, W_OK | X_OK) == 0 ? std::optional<std::string>(path) : std::nullopt;
+}
 
 // As programs write it, compressed, with a file of zeros.
 std::string zipOfZeros(std::size_t size) {
@@ -255,6 +264,7 @@ TEST(BundleArchive, failsForAWrongChecksum) {
 }
 
 TEST(BundleArchive, failsWhenItIsCutAnywhere) {
+    const testing::ScopedEnvironment temporaryFolders{"TMPDIR", folderInMemory()};
     const auto archive = zipBytes({{"Tavelo.app/", "", 0040755}, {"Tavelo.app/a", "text"}});
     EXPECT_EQ(Unpacked(archive).error(), "");
     for (std::size_t size = 0; size < archive.size(); ++size)
@@ -262,6 +272,7 @@ TEST(BundleArchive, failsWhenItIsCutAnywhere) {
 }
 
 TEST(BundleArchive, staysInsideWithAnyByteAltered) {
+    const testing::ScopedEnvironment temporaryFolders{"TMPDIR", folderInMemory()};
     const auto archive = zipBytes({{"a/", "", 0040755}, {"a/b", "text"}, {"a/c", "b", link}});
     for (std::size_t index = 0; index < archive.size(); ++index) {
         for (const char byte : {'/', '.', '\0', '\xff'}) {
