@@ -156,6 +156,15 @@ bool hasSettled(const PhotoFile &photo) {
     return photo.isUnchanged() && photo.modificationTime() + settlingTime <= now;
 }
 
+// As it is when there is no current folder to start from.
+fs::path absolutePath(const fs::path &path) {
+    std::error_code error;
+    const auto absolute = fs::absolute(path, error);
+    const auto normal = (error ? path : absolute).lexically_normal();
+    // Without the slash that may stand behind a folder.
+    return normal.has_filename() ? normal : normal.parent_path();
+}
+
 bool isBelow(const fs::path &file, const fs::path &folder) {
     const auto [end, position] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
     return end == folder.end();
@@ -171,8 +180,7 @@ bool needsNoEncoding(unsigned char byte) {
 
 std::string thumbnailUri(const fs::path &file) {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::error_code error;
-    const auto absolute = fs::absolute(file, error).lexically_normal();
+    const auto absolute = absolutePath(file);
     std::string uri = "file://";
     for (const char character : absolute.native()) {
         const auto byte = static_cast<unsigned char>(character);
@@ -197,8 +205,7 @@ QImage displayImage(const fs::path &file, QSize cover, const fs::path &thumbnail
                           .modified = QString::number(photo->modificationTime().count())};
     // Thumbnails have no thumbnails.
     const bool hasThumbnails =
-        !thumbnailsFolder.empty() &&
-        !isBelow(fs::absolute(file).lexically_normal(), fs::absolute(thumbnailsFolder).lexically_normal());
+        !thumbnailsFolder.empty() && !isBelow(absolutePath(file), absolutePath(thumbnailsFolder));
     if (hasThumbnails) {
         auto image = findThumbnail(thumbnailsFolder, subject, cover);
         if (!image.isNull())
@@ -207,15 +214,13 @@ QImage displayImage(const fs::path &file, QSize cover, const fs::path &thumbnail
 
     std::optional<ThumbnailSize> leaving;
     QSize thumbnail;
-    QSize wanted;
     auto image = decodePhoto(*photo, [&](const PhotoHeader &header) {
-        wanted = sizeCovering(header.size, cover);
         leaving.reset();
         if (hasThumbnails && header.isHeldWhole &&
             std::int64_t{header.size.width()} * header.size.height() >= pixelsWorthAThumbnail)
             leaving = standardSizeFor(header.size, cover);
         if (!leaving)
-            return wanted;
+            return sizeCovering(header.size, cover);
         thumbnail = sizeWithin(header.size, {leaving->side, leaving->side});
         return thumbnail;
     });
@@ -223,7 +228,8 @@ QImage displayImage(const fs::path &file, QSize cover, const fs::path &thumbnail
         return image;
     if (image.size() == thumbnail && hasSettled(*photo))
         writeThumbnail(thumbnailsFolder, *leaving, image, subject);
-    return scaledTo(image, wanted);
+    // Just as it will be when it comes from the thumbnail.
+    return scaledTo(image, sizeCovering(image.size(), cover));
 }
 
 } // namespace diary
