@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "FolderPhotoSource.h"
-
-#include "PhotoIndex.h"
-#include "PhotoScanner.h"
-
 #include <DiaryKit/DurableFile.h>
+#include <DiaryPhotos/FolderPhotoSource.h>
+#include <DiaryPhotos/PhotoIndex.h>
+#include <DiaryPhotos/PhotoScanner.h>
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "PhotoWatch.h"
-
 #include <DiaryApp/PhotoSource.h>
+#include <DiaryPhotos/PhotoWatch.h>
 
 #include <QImage>
 #include <QSize>

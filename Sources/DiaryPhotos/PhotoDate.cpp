@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "PhotoDate.h"
-
 #include <DiaryKit/DurableFile.h>
+#include <DiaryPhotos/PhotoDate.h>
 
 #include <algorithm>
 #include <array>

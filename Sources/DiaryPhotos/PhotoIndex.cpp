@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "PhotoIndex.h"
+#include <DiaryPhotos/PhotoIndex.h>
 
 #include <array>
 #include <atomic>

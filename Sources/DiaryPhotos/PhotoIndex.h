@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "PhotoDate.h"
+#include <DiaryPhotos/PhotoDate.h>
 
 #include <cstddef>
 #include <cstdint>

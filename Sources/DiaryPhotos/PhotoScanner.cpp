@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "PhotoScanner.h"
-
 #include <DiaryKit/DurableFile.h>
+#include <DiaryPhotos/PhotoScanner.h>
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "PhotoIndex.h"
-#include "PhotoWatch.h"
+#include <DiaryPhotos/PhotoIndex.h>
+#include <DiaryPhotos/PhotoWatch.h>
 
 #include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace diary {
@@ -63,7 +64,7 @@ public:
 
     // All must outlive the scanner.
     PhotoScanner(PhotoIndex &index, PhotoWatch &watch, Hooks hooks)
-        : PhotoScanner(index, watch, hooks, Bounds()) {}
+        : PhotoScanner(index, watch, std::move(hooks), Bounds()) {}
     PhotoScanner(PhotoIndex &index, PhotoWatch &watch, Hooks hooks, Bounds bounds);
 
     // Everything below the roots, which are absolute; what the index knows of other places is forgotten.

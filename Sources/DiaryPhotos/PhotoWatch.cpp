@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "PhotoWatch.h"
-
-#include "PhotoDate.h"
+#include <DiaryPhotos/PhotoDate.h>
+#include <DiaryPhotos/PhotoWatch.h>
 
 #include <algorithm>
 #include <array>
