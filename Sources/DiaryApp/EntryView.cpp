@@ -155,6 +155,8 @@ EntryView::~EntryView() = default;
 
 void EntryView::update(const Model &model) {
     m_isSource = model.sourceText.has_value();
+    // What has the keyboard where there is no editor.
+    m_scrollView->setAccessibleName(model.fileName);
     m_fileName->setText(model.fileName.toUpper());
     m_ordinal->setText(model.ordinal);
     m_source->setText(model.sourceText.value_or(QString()));

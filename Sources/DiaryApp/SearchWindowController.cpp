@@ -112,7 +112,8 @@ void SearchWindowController::buildWindow() {
     m_searchField->setObjectName(QStringLiteral("searchField"));
     m_searchField->setPlaceholderText(L("SearchPlaceholder"));
     m_searchField->setAccessibleName(L("Search"));
-    connect(m_searchField, &QLineEdit::textEdited, this, [this] { queryChanged(); });
+    // Not only what is typed: assistive technologies and input by voice change the text too.
+    connect(m_searchField, &QLineEdit::textChanged, this, [this] { queryChanged(); });
 
     m_results = new SearchResultsView(m_window.get());
     m_results->setObjectName(QStringLiteral("results"));

@@ -26,6 +26,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QSysInfo>
 #include <QVBoxLayout>
 
@@ -405,9 +406,12 @@ QCheckBox *SettingsWindowController::checkBox(const char *key, bool isOn, std::f
     box->setFont(Theme::system(controlFontSize));
     box->setAccessibleName(L(key));
     box->setChecked(isOn);
-    connect(box, &QCheckBox::clicked, this, [this, box, change = std::move(change)](bool isChecked) {
-        if (!store([&] { change(isChecked); }))
-            box->setChecked(!isChecked);
+    // Not only clicks: assistive technologies toggle.
+    connect(box, &QCheckBox::toggled, this, [this, box, change = std::move(change)](bool isChecked) {
+        if (store([&] { change(isChecked); }))
+            return;
+        const QSignalBlocker itself(box);
+        box->setChecked(!isChecked);
     });
     return box;
 }
@@ -666,8 +670,8 @@ void SettingsWindowController::checkForUpdates() {
     m_isChecking = true;
     m_updateCheckButton->setEnabled(false);
     setUpdateStatus(L("Checking…"));
-    const auto finish = [self = QPointer(this), hadKeyboard, focused = QPointer(m_window->focusWidget())](
-                            const Updates::CheckResult &result) {
+    const auto finish = [self = QPointer(this), hadKeyboard,
+                         focused = QPointer(m_window->focusWidget())](const Updates::CheckResult &result) {
         if (!self)
             return;
         const auto *updates = self->m_services.updates;

@@ -4,11 +4,12 @@
 
 #include "XServerFixture.h"
 
+#include <DiaryKit/Defaults.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <set>
 #include <sstream>
@@ -136,7 +137,9 @@ TEST_F(AccessibilityTest, letsOneWriteFindStepAndSetOverTheBusAlone) {
     folder.write("v/07-04.md", "# 07-04\n\n## 2009\n\nA heron by the weir\n");
     ASSERT_NO_FATAL_FAILURE(startProgram());
 
-    ASSERT_TRUE(bus->ask({"insert", "text", year, "Written without a keyboard."}).has_value());
+    ASSERT_TRUE(waitUntil([&] {
+        return bus->ask({"insert", "text", year, "Written without a keyboard."}).has_value();
+    }));
     EXPECT_TRUE(
         waitUntil([&] { return fileIs(dayFile("## " + year + "\n\nWritten without a keyboard.\n")); }));
 
@@ -163,10 +166,8 @@ TEST_F(AccessibilityTest, letsOneWriteFindStepAndSetOverTheBusAlone) {
     ASSERT_TRUE(waitUntil([this] { return shows("check box", "Show missing-year note"); }));
     ASSERT_TRUE(bus->press("check box", "Show missing-year note"));
     EXPECT_TRUE(waitUntil([this] {
-        return std::filesystem::exists(folder / "config/tavelo/settings.json") &&
-               folder.read("config/tavelo/settings.json").find("\"showGapYears\": false") !=
-                   std::string::npos;
-    }));
+        return Defaults(folder / "config/tavelo/settings.json").boolean("showGapYears") == false;
+    })) << bus->tree().value_or("");
 }
 
 } // namespace
