@@ -16,11 +16,6 @@ using namespace std::chrono_literals;
 
 constexpr const char *launcher = "/usr/libexec/at-spi-bus-launcher";
 
-const std::filesystem::path &script() {
-    static const auto path = std::filesystem::path(__FILE__).parent_path() / "accessibility.py";
-    return path;
-}
-
 } // namespace
 
 bool AccessibilityBus::isInstalled() {
@@ -63,7 +58,7 @@ AccessibilityBus::~AccessibilityBus() {
 }
 
 std::optional<std::string> AccessibilityBus::ask(const std::vector<std::string> &command) const {
-    std::vector<std::string> words{"/usr/bin/python3", script(), "tavelo"};
+    std::vector<std::string> words{"/usr/bin/python3", TAVELO_ACCESSIBILITY_SCRIPT, "tavelo"};
     words.insert(words.end(), command.begin(), command.end());
     ChildProcess program(words, m_environment);
     if (program.waitForExit() != 0)
