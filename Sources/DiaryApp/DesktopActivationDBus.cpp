@@ -31,8 +31,7 @@ bool hasSessionBus() {
 
 QByteArray activationToken(const QVariantMap &platformData) {
     for (const auto &key : {QStringLiteral("activation-token"), QStringLiteral("desktop-startup-id")}) {
-        const auto token = platformData.value(key).toString().toUtf8();
-        if (!token.isEmpty())
+        if (auto token = platformData.value(key).toString().toUtf8(); !token.isEmpty())
             return token;
     }
     return {};

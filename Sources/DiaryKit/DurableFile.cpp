@@ -244,7 +244,8 @@ void PreparedFile::writeTemporary(std::string_view bytes) {
         // The folder's permission would do for a replacement, but its owner said that this file stays.
         if ((oldStatus.st_mode & 0222U) == 0)
             fail("save", EACCES);
-        // Gone again: another program is just replacing it, which is dealt with when this file takes its place.
+        // Gone again: another program is just replacing it, which is dealt with when this file takes its
+        // place.
         if (retryingWhenInterrupted([&] { return ::access(m_target.c_str(), W_OK); }) < 0 && errno != ENOENT)
             fail("save", errno);
     } else if (errno != ENOENT) {

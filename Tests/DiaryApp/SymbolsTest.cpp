@@ -9,8 +9,8 @@
 namespace diary {
 namespace {
 
-const char *const names[] = {"magnifyingglass", "square.grid.3x3", "gearshape", "chevron.left",
-                             "chevron.right", "xmark"};
+const char *const names[] = {"magnifyingglass", "square.grid.3x3", "gearshape",
+                             "chevron.left",    "chevron.right",   "xmark"};
 
 QImage drawn(const QString &name, int ratio) {
     QImage picture(QSize(20, 20) * ratio, QImage::Format_ARGB32_Premultiplied);

@@ -273,6 +273,41 @@ TEST_F(XServerTest, reachesAnyDayByKeyboardAlone) {
     EXPECT_TRUE(waitUntil([this] { return focusedWindow().starts_with(today.fileName()); }));
 }
 
+TEST_F(XServerTest, showsAPhotoThatIsClickedAndStepsToTheNext) {
+    ASSERT_NO_FATAL_FAILURE(startProgram({{"DIARY_FAKE_PHOTOS", "3"}}));
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    ASSERT_TRUE(waitUntil([&] {
+        const auto place = bus->ask({"place", "push button", "IMG_4101.HEIC 09:29"});
+        return place && std::istringstream(*place) >> x >> y >> width >> height && height > 0;
+    }));
+    ASSERT_TRUE(server
+                    ->xdotool({"mousemove", std::to_string(x + width / 2), std::to_string(y + height / 2),
+                               "click", "1"})
+                    .has_value());
+    const auto showsPhoto = [this](const char *name) {
+        return bus->tree().value_or("").find(name) != std::string::npos;
+    };
+    EXPECT_TRUE(waitUntil([&] { return showsPhoto("IMG_4101.HEIC, 2 / 3"); }));
+    press("Right");
+    EXPECT_TRUE(waitUntil([&] { return showsPhoto("IMG_4102.HEIC, 3 / 3"); }));
+    press("Left", 2);
+    EXPECT_TRUE(waitUntil([&] { return showsPhoto("IMG_4100.HEIC, 1 / 3"); }));
+    press("Escape");
+    EXPECT_TRUE(waitUntil([this] {
+        std::istringstream lines(bus->tree().value_or(""));
+        for (std::string line; std::getline(lines, line);) {
+            if (line.find("\tNext Photo\t") != std::string::npos)
+                return line.find(" showing ") == std::string::npos;
+        }
+        return true;
+    }));
+    type("After");
+    EXPECT_TRUE(waitUntil([this] { return shownText(year) == "After"; }));
+}
+
 TEST_F(XServerTest, followsADayThatIsPressedOverTheAccessibilityBus) {
     ASSERT_NO_FATAL_FAILURE(startProgram());
     const auto tree = bus->tree().value_or("");

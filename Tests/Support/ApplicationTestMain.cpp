@@ -25,8 +25,8 @@ int main(int argc, char *argv[]) {
     for (const char *name :
          {"LANGUAGE", "DIARY_LANGUAGE", "DIARY_ROOT", "DIARY_SCREENSHOT", "DIARY_SCREENSHOT_DELAY",
           "DIARY_VIEW_DAY", "DIARY_VIEW_YEAR", "DIARY_VIEW_SOURCE", "DIARY_TYPE_TEXT", "DIARY_ACTIVATE",
-          "DIARY_FAKE_PHOTOS", "DIARY_FAKE_PHOTO_NAMES", "DIARY_FAKE_PHOTOS_DIR",
-          "DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY"})
+          "DIARY_FAKE_PHOTOS", "DIARY_FAKE_PHOTO_NAMES", "DIARY_FAKE_PHOTOS_DIR", "DISPLAY",
+          "WAYLAND_DISPLAY", "XAUTHORITY"})
         qunsetenv(name);
     // Whoever asks for the session bus gets none, rather than a new one that outlives the test.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");

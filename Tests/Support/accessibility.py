@@ -5,6 +5,7 @@
     accessibility.py PROGRAM tree              every object: depth, role, name, description, states, actions
     accessibility.py PROGRAM text ROLE NAME    the text of an object
     accessibility.py PROGRAM press ROLE NAME   its first action
+    accessibility.py PROGRAM place ROLE NAME   where it stands on the screen: x y width height
     accessibility.py PROGRAM insert ROLE NAME TEXT   puts a text at the end of its own
     accessibility.py PROGRAM caret ROLE NAME   its caret position and selections
     accessibility.py PROGRAM extents ROLE NAME OFFSET   where a character stands on the screen: x y width height
@@ -70,6 +71,9 @@ def main():
     if command == "press":
         if not accessible.queryAction().doAction(0):
             sys.exit(1)
+    elif command == "place":
+        extents = accessible.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        print(extents.x, extents.y, extents.width, extents.height)
     elif command == "insert":
         end = accessible.queryText().characterCount
         if not accessible.queryEditableText().insertText(end, arguments[2], len(arguments[2])):
