@@ -87,7 +87,10 @@ int openDiary(int argc, char **argv, diary::SelfTest *selfTest) {
             delegate.terminate();
             return;
         }
-        QApplication::setWindowIcon(QIcon::fromTheme(QLatin1String(diary::DesktopActivation::applicationId)));
+        // Wayland finds the icon by the name of the desktop file. To find it here takes some 20 ms.
+        if (QGuiApplication::platformName() == QLatin1String("xcb"))
+            QApplication::setWindowIcon(
+                QIcon::fromTheme(QLatin1String(diary::DesktopActivation::applicationId)));
         activation.start();
     };
     if (selfTest)
