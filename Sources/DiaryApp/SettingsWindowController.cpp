@@ -470,9 +470,10 @@ void SettingsWindowController::changeFontFamily(int index) {
 }
 
 void SettingsWindowController::changeFontSize(int index) {
-    const auto &presets = Settings::fontSizePresets;
-    const auto preset = std::clamp<std::size_t>(static_cast<std::size_t>(index), 0, presets.size() - 1);
-    if (store([&] { m_settings.setEditorFontSize(presets.at(preset).points); }))
+    const int last = static_cast<int>(Settings::fontSizePresets.size()) - 1;
+    const auto preset = static_cast<std::size_t>(std::clamp(index, 0, last));
+    const double points = Settings::fontSizePresets.at(preset).points;
+    if (store([&] { m_settings.setEditorFontSize(points); }))
         readingChanged();
     else
         rebuildContent();
