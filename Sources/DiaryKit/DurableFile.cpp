@@ -29,8 +29,9 @@ constexpr std::string_view temporaryPrefix = ".~";
 constexpr std::size_t processDigits = 5;
 constexpr std::string_view base36 = "0123456789abcdefghijklmnopqrstuvwxyz";
 
-// A sync tool that replaces a file by unlink and rename leaves a gap of about half a millisecond.
-constexpr int replacementGapLooks = 10;
+// A sync tool that replaces a file by unlink and rename leaves a gap of about half a millisecond, and one of
+// many times that where it has to wait for a busy machine in between.
+constexpr int replacementGapLooks = 40;
 constexpr std::chrono::milliseconds replacementGapPause{1};
 
 // A save takes some milliseconds. The user is waiting too, perhaps for a process that was stopped.
