@@ -63,6 +63,7 @@ PhotoGalleryView::PhotoGalleryView(QWidget *parent)
     m_captionLabel->setObjectName(QStringLiteral("photosCaption"));
     m_markLabel->hide();
     m_captionLabel->hide();
+    connect(&m_sharpening, &QTimer::timeout, this, &PhotoGalleryView::sharpenNext);
 }
 
 void PhotoGalleryView::setPhotos(const std::vector<DayPhoto> &photos, const std::optional<QString> &caption) {
@@ -98,10 +99,23 @@ PhotoTileView *PhotoGalleryView::tile(std::size_t index) {
         if (onOpenPhoto)
             onOpenPhoto(index);
     };
+    view->onPaintedRoughly = [this] {
+        if (!m_sharpening.isActive())
+            m_sharpening.start();
+    };
     view->installEventFilter(this);
     view->show();
     m_tileViews.push_back(view);
     return view;
+}
+
+void PhotoGalleryView::sharpenNext() {
+    const auto rough = std::find_if(m_tileViews.begin(), m_tileViews.end(),
+                                    [](const PhotoTileView *view) { return !view->isSharp(); });
+    if (rough == m_tileViews.end())
+        m_sharpening.stop();
+    else
+        (*rough)->sharpen();
 }
 
 void PhotoGalleryView::setTabPredecessor(QWidget *widget) {
@@ -128,6 +142,7 @@ void PhotoGalleryView::removeTiles(std::size_t count) {
         m_tileViews.pop_back();
         view->removeEventFilter(this);
         view->onClick = nullptr;
+        view->onPaintedRoughly = nullptr;
         view->hide();
         view->setObjectName(QString());
         view->deleteLater();

@@ -7,6 +7,7 @@
 #include <QRect>
 #include <QSize>
 #include <QString>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstddef>
@@ -94,6 +95,7 @@ private:
     PhotoTileView *tile(std::size_t index);
     void removeTiles(std::size_t count);
     void bringInTabOrder();
+    void sharpenNext();
     void layOut();
     std::optional<std::size_t> focusedIndex() const;
 
@@ -102,6 +104,8 @@ private:
     ElidedLabel *m_captionLabel;
     std::vector<PhotoTileView *> m_tileViews;
     QPointer<QWidget> m_tabPredecessor;
+    // Between one image and the next there is time for what the user does.
+    QTimer m_sharpening;
 };
 
 } // namespace diary

@@ -44,21 +44,25 @@ PhotoTileLayout layoutPhotoTile(const PhotoTileMetrics &metrics, QSize tile) {
     return layout;
 }
 
-QImage cropTo3x2(const QImage &image) {
-    if (image.isNull())
+QRect cropRectTo3x2(QSize image) {
+    if (image.isEmpty())
         return {};
     const double width = image.width();
     const double height = image.height();
     const double ratio = width / height;
     if (std::abs(ratio - proportions) < tolerance)
-        return image;
+        return {QPoint(), image};
     QSizeF size(width, width / proportions);
     if (ratio > proportions)
         size = {height * proportions, height};
     // A picture one pixel high still has one.
     const QSize whole = size.toSize().expandedTo({1, 1});
-    return image.copy((image.width() - whole.width()) / 2, (image.height() - whole.height()) / 2,
-                      whole.width(), whole.height());
+    return {QPoint((image.width() - whole.width()) / 2, (image.height() - whole.height()) / 2), whole};
+}
+
+QImage cropTo3x2(const QImage &image) {
+    const auto crop = cropRectTo3x2(image.size());
+    return crop == image.rect() ? image : image.copy(crop);
 }
 
 PhotoTileView::PhotoTileView(QWidget *parent)
@@ -79,6 +83,7 @@ void PhotoTileView::update(const DayPhoto &photo) {
     m_photo = photo;
     m_name.text = photo.filename;
     m_time.text = photo.timeText;
+    m_paintedSize = {};
     m_scaled = {};
     setAccessibleName(photo.filename + QLatin1Char(' ') + photo.timeText);
     update();
@@ -104,20 +109,22 @@ void PhotoTileView::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     const auto layout = currentLayout();
     paintImage(painter, layout.image);
+    paintBorder(painter, layout.image);
     m_name.paint(painter, layout.name, Theme::faint());
     m_time.paint(painter, layout.time, Theme::faint());
 }
 
-// Once for each size. What is left of a transparent image shows the box.
-void PhotoTileView::scaleImage(QSize size, double pixelRatio) {
-    const QSize pixels = (QSizeF(size) * pixelRatio).toSize().expandedTo({1, 1});
-    if (m_scaled.size() == pixels)
+bool PhotoTileView::isSharp() const {
+    return m_paintedSize.isEmpty() || m_scaled.size() == m_paintedSize;
+}
+
+void PhotoTileView::sharpen() {
+    if (isSharp())
         return;
-    auto scaled = cropTo3x2(m_photo.image).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    scaled.setDevicePixelRatio(1);
-    m_scaled = QImage(pixels, QImage::Format_RGB32);
-    m_scaled.fill(Theme::cardBg());
-    QPainter(&m_scaled).drawImage(0, 0, scaled);
+    m_scaled =
+        cropTo3x2(m_photo.image).scaled(m_paintedSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    m_scaled.setDevicePixelRatio(1);
+    update();
 }
 
 void PhotoTileView::paintImage(QPainter &painter, const QRect &bounds) {
@@ -126,23 +133,35 @@ void PhotoTileView::paintImage(QPainter &painter, const QRect &bounds) {
     // To the middle of the border, so that nothing of it shows outside at the corners.
     constexpr double inset = 0.5;
     const auto inside = QRectF(bounds).adjusted(inset, inset, -inset, -inset);
+    const auto paint = [&](const QBrush &brush) {
+        painter.setBrush(brush);
+        painter.drawRoundedRect(inside, cornerRadius - inset, cornerRadius - inset);
+    };
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.setPen(Qt::NoPen);
-    if (m_photo.image.isNull()) {
-        painter.setBrush(Theme::cardBg());
-    } else {
-        scaleImage(bounds.size(), painter.device()->devicePixelRatioF());
+    if (m_photo.image.isNull() || m_photo.image.hasAlphaChannel())
+        paint(Theme::cardBg());
+    if (!m_photo.image.isNull()) {
+        m_paintedSize = (QSizeF(bounds.size()) * painter.deviceTransform().m11()).toSize();
+        auto image = isSharp() ? m_scaled : m_photo.image;
+        const auto crop = isSharp() ? image.rect() : cropRectTo3x2(image.size());
+        image.setDevicePixelRatio(1);
         // As a brush, which gives the corners smooth edges.
-        QBrush brush(m_scaled);
-        brush.setTransform(QTransform::fromScale(static_cast<double>(bounds.width()) / m_scaled.width(),
-                                                 static_cast<double>(bounds.height()) / m_scaled.height()));
-        painter.setBrushOrigin(bounds.topLeft());
-        painter.setBrush(brush);
+        QBrush brush(image);
+        auto transform = QTransform::fromTranslate(bounds.x(), bounds.y());
+        transform.scale(static_cast<double>(bounds.width()) / crop.width(),
+                        static_cast<double>(bounds.height()) / crop.height());
+        transform.translate(-crop.x(), -crop.y());
+        brush.setTransform(transform);
+        paint(brush);
+        if (!isSharp() && onPaintedRoughly)
+            onPaintedRoughly();
     }
-    painter.drawRoundedRect(inside, cornerRadius - inset, cornerRadius - inset);
     painter.restore();
+}
 
+void PhotoTileView::paintBorder(QPainter &painter, const QRect &bounds) const {
     paintBorderedBox(painter, bounds, cornerRadius, Qt::transparent,
                      isHovered() ? Theme::cardBorderHover() : Theme::cardBorder());
     if (!hasFocus())

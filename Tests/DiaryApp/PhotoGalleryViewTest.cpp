@@ -15,6 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -195,6 +196,24 @@ TEST_F(PhotoGalleryViewTest, keepsItsTilesForTheSamePhotos) {
     show(4);
     EXPECT_EQ(gallery.tileViews(), before);
     EXPECT_EQ(focused(), 2);
+}
+
+TEST_F(PhotoGalleryViewTest, paintsEveryImageWithCareInTheEnd) {
+    auto photos = somePhotos(8);
+    photos[3].image = {};
+    gallery.setPhotos(photos, QString());
+    const auto areSharp = [this] {
+        return std::all_of(gallery.tileViews().begin(), gallery.tileViews().end(),
+                           [](const PhotoTileView *view) { return view->isSharp(); });
+    };
+    testing::pictureOf(gallery, 1);
+    EXPECT_FALSE(areSharp());
+    EXPECT_TRUE(QTest::qWaitFor(areSharp));
+    // Photos may go before it is their turn.
+    testing::pictureOf(gallery, 2);
+    EXPECT_FALSE(areSharp());
+    show(1);
+    EXPECT_TRUE(QTest::qWaitFor(areSharp));
 }
 
 TEST_F(PhotoGalleryViewTest, opensAPhotoByClickKeyAndAssistiveTechnology) {

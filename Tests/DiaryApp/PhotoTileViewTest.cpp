@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace diary {
 namespace {
 
@@ -164,11 +166,68 @@ TEST_F(PhotoTileViewTest, cropsAndScalesTheImage) {
     EXPECT_EQ(pixels(Qt::red, {60, 10, 50, 100}), 0);
 }
 
+// Black and white by turns, pixel by pixel: grey from afar.
+QImage fineBoard() {
+    QImage image(900, 600, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, (x + y) % 2 == 0 ? 0xFF000000 : 0xFFFFFFFF);
+    }
+    return image;
+}
+
+int contrastOf(const QImage &picture, const QRect &where) {
+    int darkest = 255;
+    int brightest = 0;
+    for (int y = where.top(); y <= where.bottom(); ++y) {
+        for (int x = where.left(); x <= where.right(); ++x) {
+            darkest = std::min(darkest, qGray(picture.pixel(x, y)));
+            brightest = std::max(brightest, qGray(picture.pixel(x, y)));
+        }
+    }
+    return brightest - darkest;
+}
+
+TEST_F(PhotoTileViewTest, paintsAtOnceAndWithCareLater) {
+    int requests = 0;
+    tile.onPaintedRoughly = [&requests] { ++requests; };
+    auto photo = samplePhoto();
+    photo.image = fineBoard();
+    tile.update(photo);
+    EXPECT_TRUE(tile.isSharp()) << "it was not painted yet";
+    const auto area = inWindow(tile.currentLayout().image.adjusted(10, 10, -10, -10));
+    testing::pictureOf(window, 1);
+    EXPECT_EQ(requests, 1);
+    EXPECT_FALSE(tile.isSharp());
+    tile.sharpen();
+    EXPECT_TRUE(tile.isSharp());
+    EXPECT_LT(contrastOf(testing::pictureOf(window, 1), area), 30);
+    EXPECT_EQ(requests, 1);
+    EXPECT_TRUE(tile.isSharp());
+    // At another size anew.
+    tile.resize(tile.width() + 30, tile.height() + 20);
+    testing::pictureOf(window, 1);
+    EXPECT_FALSE(tile.isSharp());
+}
+
+TEST_F(PhotoTileViewTest, showsTheBoxThroughATransparentImage) {
+    auto photo = samplePhoto();
+    photo.image = QImage(300, 200, QImage::Format_ARGB32);
+    photo.image.fill(Qt::transparent);
+    tile.update(photo);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(testing::isFilledWith(Theme::cardBg(), picture(),
+                                          inWindow(tile.currentLayout().image.adjusted(7, 2, -7, -2))));
+        tile.sharpen();
+    }
+}
+
 TEST_F(PhotoTileViewTest, showsAnEmptyBoxWithoutAnImage) {
     auto photo = samplePhoto();
     photo.image = {};
     tile.update(photo);
     const auto image = tile.currentLayout().image;
+    EXPECT_TRUE(tile.isSharp());
     EXPECT_TRUE(testing::isFilledWith(Theme::cardBg(), picture(), inWindow(image.adjusted(7, 2, -7, -2))));
     EXPECT_GT(pixels(Theme::faint(), tile.currentLayout().name), 0);
     EXPECT_GT(pixels(Theme::faint(), tile.currentLayout().time), 0);
