@@ -223,6 +223,24 @@ TEST_F(ScenarioTest, showsTheSearchWindowAndTheOverviewOnlyWhenToldTo) {
     EXPECT_NE(panel(), empty);
 }
 
+TEST_F(ScenarioTest, takesAPictureOfTheOpenedPhotoToo) {
+    // Without the bar, whose buttons wait for a file that is written in the background.
+    const auto photoOpenedAt = [this](const char *index) {
+        std::filesystem::remove(folder / "a.png.ql.png");
+        run({{"DIARY_FAKE_PHOTOS", "2"}, {"DIARY_OPEN_PHOTO", index}, {"DIARY_SCREENSHOT_DELAY", "1.6"}});
+        const QImage preview(QString::fromStdString(folder / "a.png.ql.png"));
+        return preview.copy(preview.rect().adjusted(0, 50, 0, 0));
+    };
+    const auto first = photoOpenedAt("0");
+    const auto second = photoOpenedAt("1");
+    ASSERT_FALSE(first.isNull());
+    EXPECT_LT(first.width(), picture().width());
+    EXPECT_NE(first, second);
+    EXPECT_EQ(photoOpenedAt("7"), second);
+    EXPECT_EQ(photoOpenedAt("-3"), first);
+    EXPECT_TRUE(photoOpenedAt("first").isNull());
+}
+
 TEST_F(ScenarioTest, takesNoPictureOfAPhotoPreviewWhereThereAreNoPhotos) {
     for (const auto *index : {"0", "-1", "first", ""})
         run({{"DIARY_OPEN_PHOTO", index}, {"DIARY_SCREENSHOT_DELAY", "1.1"}});
