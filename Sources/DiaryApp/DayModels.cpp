@@ -6,7 +6,6 @@
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/Theme.h>
-#include <DiaryKit/UserDirectories.h>
 
 #include <QStringList>
 
@@ -104,13 +103,6 @@ YearRailView::Card pastCard(const DayState &state, const YearEntry &entry) {
     card.background = isViewed ? Theme::cardBgActive() : Theme::cardBg();
     card.border = isViewed ? Theme::cardBorderActive() : Theme::cardBorder();
     return card;
-}
-
-// With the home folder as people write it.
-QString abbreviatingHome(const std::filesystem::path &path) {
-    const auto relative = path.lexically_relative(UserDirectories::home());
-    const bool isInside = !relative.empty() && *relative.begin() != "..";
-    return pathToQString(isInside ? "~" / relative : path);
 }
 
 } // namespace

@@ -201,7 +201,7 @@ bool EditingSession::saveDraft() {
 void EditingSession::reportSaveError(const std::filesystem::filesystem_error &error) {
     if (std::exchange(m_didReportSaveError, true) || !onSaveError)
         return;
-    onSaveError(toQString(error.code().message()) + QLatin1String("\n") + pathToQString(error.path1()));
+    onSaveError(systemText(error));
 }
 
 void EditingSession::rescueUnsavedText(const std::filesystem::path &folder) const {
@@ -225,8 +225,10 @@ void EditingSession::rescueUnsavedText(const std::filesystem::path &folder) cons
         }
     }
     // One place is enough, and this is the one that the user is told of.
-    if (m_journal && allRescued)
+    if (m_journal && allRescued) {
+        m_journalTimer->stop();
         m_journal->clear();
+    }
 }
 
 void EditingSession::scheduleRemoteRefresh() {

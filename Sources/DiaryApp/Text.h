@@ -23,4 +23,10 @@ inline QString pathToQString(const std::filesystem::path &path) {
     return toQString(std::string_view(path.native()));
 }
 
+// The path as people write it, with a tilde for the home folder.
+QString abbreviatingHome(const std::filesystem::path &path);
+
+// What the system says of a failure, and below it the path.
+QString systemText(const std::filesystem::filesystem_error &error);
+
 } // namespace diary
