@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "Support/AccessibilityBus.h"
 #include "Support/ChildProcess.h"
 #include "Support/RunProgram.h"
 #include "Support/ScopedEnvironment.h"
-#include "Support/TemporaryFolder.h"
 #include "Support/WaitUntil.h"
-#include "Support/XServer.h"
+#include "XServerFixture.h"
 
 #include <DiaryApp/DesktopActivation.h>
 #include <DiaryKit/DiaryDay.h>
@@ -39,34 +37,31 @@ const QString busName = QStringLiteral("org.freedesktop.DBus");
 
 // The program on a screen and a session bus, called as a desktop does. What the bus starts sees the variables
 // that the bus was started with.
-class DesktopActivationTest : public ::testing::Test {
+class DesktopActivationTest : public XServerFixture {
 protected:
     void SetUp() override {
-        if (!testing::XServer::isInstalled())
-            GTEST_SKIP() << "Xvfb, openbox or xdotool is not installed";
-        if (!testing::AccessibilityBus::isInstalled())
-            GTEST_SKIP() << "the accessibility services are not installed";
         folder.write("data/dbus-1/services/" + id.toStdString() + ".service",
                      "[D-BUS Service]\nName=" + id.toStdString() +
                          "\nExec=" + testing::builtProgram("TAVELO_TEST_TAVELO").string() + "\n");
-        server = std::make_unique<testing::XServer>();
-        services = std::make_unique<testing::AccessibilityBus>(server->display());
-        bus = QDBusConnection::connectToBus(
-            QString::fromStdString(services->environment().at("DBUS_SESSION_BUS_ADDRESS")),
+        XServerFixture::SetUp();
+        if (IsSkipped())
+            return;
+        session = QDBusConnection::connectToBus(
+            QString::fromStdString(bus->environment().at("DBUS_SESSION_BUS_ADDRESS")),
             QStringLiteral("test"));
-        ASSERT_TRUE(bus->isConnected()) << bus->lastError().message().toStdString();
+        ASSERT_TRUE(session->isConnected()) << session->lastError().message().toStdString();
     }
 
     void TearDown() override {
-        if (!bus)
+        if (!session)
             return;
         end();
-        bus.reset();
+        session.reset();
         QDBusConnection::disconnectFromBus(QStringLiteral("test"));
     }
 
     std::optional<pid_t> owner() const {
-        const QDBusReply<uint> process = bus->interface()->servicePid(id);
+        const QDBusReply<uint> process = session->interface()->servicePid(id);
         return process.isValid() ? std::optional(static_cast<pid_t>(process.value())) : std::nullopt;
     }
     // Of the program that the bus knows.
@@ -84,7 +79,7 @@ protected:
             id, QLatin1Char('/') + QString(id).replace(QLatin1Char('.'), QLatin1Char('/')),
             QStringLiteral("org.freedesktop.Application"), QLatin1String(method));
         message.setArguments(arguments);
-        return bus->call(message, QDBus::Block, 30000).errorName().toStdString();
+        return session->call(message, QDBus::Block, 30000).errorName().toStdString();
     }
     std::string activate() const { return call("Activate", {platformData()}); }
     std::string activateAction(const char *name) const {
@@ -95,34 +90,21 @@ protected:
                 {QStringLiteral("activation-token"), QStringLiteral("token")}};
     }
 
-    // How many windows of the program are shown.
-    std::ptrdiff_t windows() const {
-        const auto found = server->xdotool({"search", "--onlyvisible", "--class", "^tavelo$"});
-        return found && !found->empty() ? std::count(found->begin(), found->end(), '\n') + 1 : 0;
-    }
-    std::string focusedWindow() const {
-        return server->xdotool({"getwindowfocus", "getwindowname"}).value_or("none");
-    }
     bool isFocused(const MonthDay &day) const { return focusedWindow().starts_with(day.fileName()); }
 
     testing::ChildProcess start(const std::filesystem::path &vault) const {
-        auto variables = services->environment();
+        auto variables = bus->environment();
         variables["DIARY_ROOT"] = vault;
         return testing::ChildProcess({testing::builtProgram("TAVELO_TEST_TAVELO")}, variables);
     }
 
-    testing::TemporaryFolder folder;
-    const MonthDay today = DiaryDay::today().monthDay();
     ScopedEnvironment data{"XDG_DATA_HOME", folder / "data"};
     ScopedEnvironment config{"XDG_CONFIG_HOME", folder / "config"};
     ScopedEnvironment state{"XDG_STATE_HOME", folder / "state"};
     ScopedEnvironment root{"DIARY_ROOT", folder / "vault"};
     ScopedEnvironment platform{"QT_QPA_PLATFORM", "xcb"};
-    // libxkbcommon copies parts of buffers that no zero ends.
-    ScopedEnvironment sanitizers{"ASAN_OPTIONS", "detect_stack_use_after_return=1:strict_string_checks=0"};
-    std::unique_ptr<testing::XServer> server;
-    std::unique_ptr<testing::AccessibilityBus> services;
-    std::optional<QDBusConnection> bus;
+    ScopedEnvironment sanitizers{"ASAN_OPTIONS", xServerSanitizerOptions};
+    std::optional<QDBusConnection> session;
 };
 
 TEST_F(DesktopActivationTest, isStartedByTheBusAndAnswers) {
@@ -179,7 +161,7 @@ TEST_F(DesktopActivationTest, passesTheNameOnToAnotherDiary) {
         QDBusMessage ask = QDBusMessage::createMethodCall(busName, QStringLiteral("/org/freedesktop/DBus"),
                                                           busName, QStringLiteral("ListQueuedOwners"));
         ask << id;
-        return bus->call(ask).arguments().value(0).toStringList().size() == 2;
+        return session->call(ask).arguments().value(0).toStringList().size() == 2;
     }));
     EXPECT_EQ(owner(), first);
     end();
@@ -190,18 +172,18 @@ TEST_F(DesktopActivationTest, passesTheNameOnToAnotherDiary) {
 }
 
 TEST_F(DesktopActivationTest, needsNoBus) {
-    auto variables = services->environment();
+    auto variables = bus->environment();
     variables["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
-    testing::ChildProcess program({testing::builtProgram("TAVELO_TEST_TAVELO"), "--search"}, variables);
+    testing::ChildProcess launched({testing::builtProgram("TAVELO_TEST_TAVELO"), "--search"}, variables);
     EXPECT_TRUE(waitUntil([this] { return windows() == 2; }));
-    EXPECT_TRUE(program.isRunning());
+    EXPECT_TRUE(launched.isRunning());
 }
 
 TEST_F(DesktopActivationTest, isHandedTheActionOfASecondLaunch) {
     EXPECT_EQ(activate(), "");
     ASSERT_TRUE(waitUntil([this] { return windows() == 1; }));
     testing::ChildProcess second({testing::builtProgram("TAVELO_TEST_TAVELO"), "--search"},
-                                 services->environment());
+                                 bus->environment());
     EXPECT_EQ(second.waitForExit(), 0) << second.errors();
     EXPECT_TRUE(waitUntil([this] { return windows() == 2; }));
 }

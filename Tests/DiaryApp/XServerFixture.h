@@ -23,7 +23,7 @@ namespace diary {
 
 // Without strict checks of strings: libxkbcommon copies parts of buffers that no zero ends.
 inline constexpr const char *xServerSanitizerOptions =
-    "detect_stack_use_after_return=1:strict_string_checks=0";
+    "detect_stack_use_after_return=1:strict_string_checks=0:intercept_tls_get_addr=0";
 
 // The program on a screen, with real keys, and looked at as a screen reader does.
 class XServerFixture : public ::testing::Test {

@@ -111,7 +111,10 @@ ProgramResult runProgram(const ProgramCall &call) {
             ::close(STDIN_FILENO);
         if (call.output == ProgramCall::Output::Closed)
             ::close(STDOUT_FILENO);
-        ::execve(wordPointers.front(), wordPointers.data(), environmentPointers.data());
+        do {
+            ::execve(wordPointers.front(), wordPointers.data(), environmentPointers.data());
+            // The file was just written while another thread forked, whose child holds it until it executes.
+        } while (errno == ETXTBSY && ::usleep(1000) == 0);
         ::_exit(notStarted);
     }
 
