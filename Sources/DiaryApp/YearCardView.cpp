@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace diary {
 
@@ -19,7 +18,7 @@ constexpr int topInset = 15;
 constexpr int bottomInset = 16;
 constexpr int metaGap = 8;
 constexpr double snippetLineSpacing = 8;
-constexpr double shadowOffset = 1; // downwards
+constexpr int shadowOffset = 1; // downwards
 constexpr double focusRingInset = 3;
 
 } // namespace
@@ -87,29 +86,13 @@ YearCardLayout YearCardView::layoutForWidth(int width) {
     return layoutYearCard(m_metrics, width);
 }
 
-YearCardView::Shadow YearCardView::shadow() const {
-    return isHovered() ? Shadow{0.1, 4} : Shadow{0.05, 2};
+BoxShadow YearCardView::shadow() const {
+    return isHovered() ? BoxShadow{.opacity = 0.1, .radius = 4, .offset = shadowOffset}
+                       : BoxShadow{.opacity = 0.05, .radius = 2, .offset = shadowOffset};
 }
 
 void YearCardView::paintShadow(QPainter &painter) const {
-    // A blurred edge falls off like the integral of a bell curve; one ring for each pixel shows it well
-    // enough.
-    const auto [opacity, radius] = shadow();
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(Qt::NoBrush);
-    const auto bounds = QRectF(geometry()).translated(0, shadowOffset);
-    const int rings = static_cast<int>(std::ceil(2.5 * radius + shadowOffset - 0.5));
-    for (int ring = 0; ring < rings; ++ring) {
-        const double distance = -shadowOffset + 0.5 + ring;
-        QColor black(Qt::black);
-        black.setAlphaF(
-            static_cast<float>(opacity * std::erfc(distance / (radius * std::numbers::sqrt2)) / 2));
-        painter.setPen(QPen(black, 1));
-        painter.drawRoundedRect(bounds.adjusted(-distance, -distance, distance, distance),
-                                cornerRadius + distance, cornerRadius + distance);
-    }
-    painter.restore();
+    paintBoxShadow(painter, geometry(), cornerRadius, shadow());
 }
 
 void YearCardView::hoverDidChange() {

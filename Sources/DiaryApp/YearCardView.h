@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <DiaryApp/BoxShadow.h>
 #include <DiaryApp/HoverView.h>
 #include <DiaryApp/TextBlock.h>
 #include <DiaryApp/TextLine.h>
@@ -68,10 +69,6 @@ public:
         static Fonts current();
         bool operator==(const Fonts &) const = default;
     };
-    struct Shadow {
-        double opacity = 0;
-        double radius = 0;
-    };
 
     explicit YearCardView(QWidget *parent = nullptr);
 
@@ -81,7 +78,7 @@ public:
 
     std::int64_t year() const { return m_model.year; }
     YearCardLayout layoutForWidth(int width);
-    Shadow shadow() const;
+    BoxShadow shadow() const;
     // Black, below the card.
     void paintShadow(QPainter &painter) const;
 
