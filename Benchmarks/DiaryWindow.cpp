@@ -5,12 +5,13 @@
 #include "FirstPaint.h"
 
 #include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/ApplicationStart.h>
 #include <DiaryApp/FileManager.h>
 
 #include <QApplication>
 
 int main(int argc, char *argv[]) {
-    QApplication::setStyle(QStringLiteral("fusion"));
+    const diary::ApplicationStart start;
     const QApplication application(argc, argv);
     const diary::benchmarks::ExitAfterFirstPaint exit;
     diary::SystemClock clock;

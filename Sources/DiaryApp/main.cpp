@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/ApplicationStart.h>
 #include <DiaryApp/Clock.h>
 #include <DiaryApp/DesktopActivation.h>
 #include <DiaryApp/FileManager.h>
@@ -49,9 +50,8 @@ constexpr const char *help =
     "terminal.\n";
 
 int openDiary(int argc, char **argv, diary::SelfTest *selfTest) {
-    // Chosen before the application object, so that the desktop's own style is never loaded.
-    QApplication::setStyle(QStringLiteral("fusion"));
-    // Before it too: some desktops are told once.
+    const diary::ApplicationStart start;
+    // Before the application object: some desktops are told once.
     QApplication::setDesktopFileName(QLatin1String(diary::DesktopActivation::applicationId));
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tavelo"));
