@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/FontConfiguration.h>
 #include <DiaryApp/FontFamilies.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Theme.h>
 
 #include <QFontDatabase>
-#include <QFontInfo>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QSet>
@@ -55,7 +55,7 @@ public:
     const QFont &body(const std::optional<QString> &chosen) {
         if (!m_body || m_chosen != chosen) {
             m_chosen = chosen;
-            m_body = font(FontFamilies::body(chosen, resolved({QStringLiteral("serif")}), surroundings()),
+            m_body = font(FontFamilies::body(chosen, meant({QStringLiteral("serif")}), surroundings()),
                           QFont::Serif);
         }
         return *m_body;
@@ -77,22 +77,32 @@ public:
         const auto desktop = QGuiApplication::font().families();
         if (!m_system || m_desktop != desktop) {
             m_desktop = desktop;
-            m_system = font(FontFamilies::system(resolved(desktop), surroundings()), QFont::SansSerif);
+            m_system = font(FontFamilies::system(meant(desktop), surroundings()), QFont::SansSerif);
         }
         return *m_system;
     }
 
 private:
-    // The families that the desktop means by its aliases.
-    static QStringList resolved(const QStringList &families) {
+    // The families that the desktop means by its aliases. Not asked of Qt, which would load a font for each.
+    static QStringList meant(const QStringList &families) {
         QStringList result;
         for (const auto &family : families)
-            result.append(QFontInfo(QFont(family)).family());
+            result.append(FontConfiguration::meantFamily(family));
         return result;
     }
 
     static QStringList fixedWidth() {
-        return resolved(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+        return meant(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+    }
+
+    bool isInstalled(const QString &family) {
+        if (m_installed.isEmpty()) {
+            FontConfiguration::waitUntilRead();
+            // A family of several makers is listed as "Family [Maker]" for each.
+            for (const auto &listed : QFontDatabase::families())
+                m_installed.insert(listed.section(QLatin1String(" ["), 0, 0));
+        }
+        return m_installed.contains(family);
     }
 
     static QFont font(const QStringList &families, QFont::StyleHint hint) {
@@ -104,15 +114,10 @@ private:
     }
 
     FontFamilies::Surroundings surroundings() {
-        if (m_installed.isEmpty()) {
-            // A family of several makers is listed as "Family [Maker]" for each.
-            for (const auto &family : QFontDatabase::families())
-                m_installed.insert(family.section(QLatin1String(" ["), 0, 0));
-        }
         QStringList languages = QLocale::system().uiLanguages();
         if (!m_language.isEmpty())
             languages.prepend(m_language);
-        return {languages, [this](const QString &family) { return m_installed.contains(family); }};
+        return {languages, [this](const QString &family) { return isInstalled(family); }};
     }
 
     void clear() {
