@@ -16,6 +16,7 @@
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/SidebarView.h>
 #include <DiaryApp/StatusBarView.h>
+#include <DiaryApp/Theme.h>
 #include <DiaryApp/TodayButton.h>
 #include <DiaryApp/TopBarView.h>
 #include <DiaryApp/YearOverviewController.h>
@@ -77,11 +78,12 @@ MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Cl
       m_programActions(std::move(programActions)),
       m_store(std::move(store)),
       m_session(std::make_unique<EditingSession>(*m_store, clock)),
-      m_window(std::make_unique<QMainWindow>()),
       m_photoLibrary(photoLibrary ? std::move(photoLibrary) : std::make_unique<DayPhotoLibrary>()),
       m_galleryDebounce(clock.makeTimer([this] { fetchGallery(); })),
       m_photoPreview(std::move(photoPreview)),
       m_dayChange(clock, [this] { m_session->calendarDayChanged(); }) {
+    QApplication::setFont(Theme::application());
+    m_window = std::make_unique<QMainWindow>();
     buildWindow(clock);
     wireCallbacks();
     buildMenu(m_programActions);

@@ -364,6 +364,13 @@ QFont system(double size, Weight weight) {
     return sized(fonts().system(), size, weight);
 }
 
+QFont application() {
+    auto font = QGuiApplication::font();
+    font.setFamilies({fonts().system().families().first()});
+    font.setStyleHint(fonts().system().styleHint());
+    return font;
+}
+
 void setInterfaceLanguage(const QString &code) {
     fonts().setLanguage(code);
 }

@@ -70,6 +70,10 @@ QFont code(double size);
 // Labels and buttons.
 QFont system(double size, Weight weight = Weight::Regular);
 
+// For the widgets that are not painted by hand: the desktop's own, named by the family that it means, so that
+// it is loaded once with that of the labels. Main thread, to be set before there are widgets.
+QFont application();
+
 // The code of the language that the interface speaks, which decides how Han characters are drawn in the fonts
 // made from now on. Without one, or with a language that has none, the user's locale decides.
 void setInterfaceLanguage(const QString &code);

@@ -2,6 +2,7 @@
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Theme.h>
 
+#include <QApplication>
 #include <QFontDatabase>
 #include <QFontInfo>
 
@@ -185,6 +186,13 @@ TEST(Theme, drawsHanCharactersAsTheInterfaceLanguageDoes) {
                 EXPECT_EQ(has(font, other), std::string_view(other) == region) << code << " " << other;
         }
     }
+}
+
+TEST(Theme, givesOtherWidgetsTheDesktopsFontByItsFamily) {
+    const auto font = Theme::application();
+    EXPECT_EQ(font.families(), QStringList(Theme::system(14).families().first()));
+    EXPECT_EQ(QFontInfo(font).family(), QFontInfo(QApplication::font()).family());
+    EXPECT_EQ(QFontInfo(font).pixelSize(), QFontInfo(QApplication::font()).pixelSize());
 }
 
 // WCAG 2: from 1 for no contrast to 21 for black on white.
