@@ -370,8 +370,7 @@ void AppDelegate::applicationStateChanged(Qt::ApplicationState state) {
     }
     if (m_services.updates)
         m_services.updates->checkIfDue();
-    m_mainWindowController->session().performRemoteRefresh();
-    m_mainWindowController->store().warmEvictedFiles();
+    m_mainWindowController->lookAgain();
 }
 
 void AppDelegate::applicationShouldTerminate() {

@@ -88,7 +88,6 @@ MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Cl
     wireCallbacks();
     buildMenu(m_programActions);
     connectSession();
-    watchVault();
     m_session->openToday();
 }
 
@@ -258,18 +257,10 @@ void MainWindowController::openPhotoPreview(std::size_t index) {
 }
 
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::Paint && m_statisticsRequest == StatisticsRequest::NotYet) {
+    if (event->type() == QEvent::Paint && !std::exchange(m_hasBeenPainted, true)) {
         m_statisticsRequest = StatisticsRequest::None;
         QMetaObject::invokeMethod(
-            this,
-            [this] {
-                requestStatistics();
-                if (m_photoPreview)
-                    m_photoPreview->askForMotionPreference();
-                if (onFirstPainted)
-                    onFirstPainted();
-            },
-            Qt::QueuedConnection);
+            this, [this] { catchUpAfterFirstPainted(); }, Qt::QueuedConnection);
     }
     if (event->type() == QEvent::Close) {
         m_session->flushSaveIfDirty();
@@ -278,6 +269,29 @@ bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
             onClose();
     }
     return QObject::eventFilter(watched, event);
+}
+
+// What takes longer the more there is in the vault, or around it, and would keep the first picture waiting.
+void MainWindowController::catchUpAfterFirstPainted() {
+    // Not for a window that was closed in between.
+    if (m_window->isVisible()) {
+        watchVault();
+        // What changed since the day was read.
+        m_session->scheduleRemoteRefresh();
+        m_store->warmEvictedFiles();
+    }
+    requestStatistics();
+    if (m_photoPreview)
+        m_photoPreview->askForMotionPreference();
+    if (onFirstPainted)
+        onFirstPainted();
+}
+
+void MainWindowController::lookAgain() {
+    m_session->performRemoteRefresh();
+    // Else it follows the first picture.
+    if (m_hasBeenPainted)
+        m_store->warmEvictedFiles();
 }
 
 void MainWindowController::watchVault() {

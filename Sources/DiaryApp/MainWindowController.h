@@ -84,6 +84,9 @@ public:
     // Shown again in front of the other windows, where the desktop allows it.
     void bringToFront();
 
+    // The user is back, and other programs may have changed the vault meanwhile.
+    void lookAgain();
+
     // Once, after the window's first picture.
     std::function<void()> onFirstPainted;
 
@@ -130,6 +133,7 @@ private:
     void buildMenu(MenuActions actions);
     void connectSession();
     void showSaveError(const QString &systemText);
+    void catchUpAfterFirstPainted();
     void watchVault();
 
     void render(EditingSession::Parts parts);
@@ -163,6 +167,7 @@ private:
         UnderWayAndAgain,
     };
     StatisticsRequest m_statisticsRequest = StatisticsRequest::NotYet;
+    bool m_hasBeenPainted = false;
     // Which photos the gallery is for.
     struct GallerySubject {
         MonthDay monthDay;

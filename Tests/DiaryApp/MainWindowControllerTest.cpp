@@ -857,5 +857,21 @@ TEST_F(MainWindowControllerTest, showsScriptedPhotos) {
     EXPECT_EQ(controller->entryView()->galleryView()->tileViews().size(), 7U);
 }
 
+// The first picture
+
+TEST_F(MainWindowControllerTest, takesInWhatChangedBeforeItWatchesTheVault) {
+    folder.write("vault/03-14.md", "# 03-14\n\n## 2025\n\nFirst\n");
+    controller = std::make_unique<MainWindowController>(
+        std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
+        fileManager);
+    folder.write("vault/03-14.md", "# 03-14\n\n## 2025\n\nFrom another device\n");
+    EXPECT_EQ(shownText(), "First");
+    controller->showWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(controller->window()));
+    QApplication::processEvents();
+    clock.advance(1s);
+    EXPECT_EQ(shownText(), "From another device");
+}
+
 } // namespace
 } // namespace diary
