@@ -116,6 +116,7 @@ void MainWindowController::buildWindow(Clock &clock) {
     m_sidebar = add(new SidebarView, "sidebar");
     m_entryView = add(new EntryView, "entryView");
     m_yearRail = add(new YearRailView, "yearRail");
+    m_yearRail->showOnlyCardsInSight();
     m_statusBar = add(new StatusBarView(clock), "statusBar");
     m_contentView->onLayout = [this](const MainWindowLayout &layout) {
         m_topBar->setGeometry(layout.topBar);
@@ -273,6 +274,7 @@ bool MainWindowController::eventFilter(QObject *watched, QEvent *event) {
 
 // What takes longer the more there is in the vault, or around it, and would keep the first picture waiting.
 void MainWindowController::catchUpAfterFirstPainted() {
+    m_yearRail->showAllCards();
     // Not for a window that was closed in between.
     if (m_window->isVisible()) {
         watchVault();

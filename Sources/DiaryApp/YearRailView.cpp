@@ -74,7 +74,8 @@ public:
         });
     }
 
-    void update(const Model &model);
+    // So many further cards follow, about as high as these.
+    void update(const Model &model, std::size_t furtherCards = 0);
     void layOut();
 
 protected:
@@ -98,9 +99,11 @@ private:
     YearCardView::Fonts m_fonts;
     std::vector<YearCardView *> m_cards;
     AddYearCardView *m_addCard = nullptr;
+    int m_furtherCards = 0;
 };
 
-void YearRailView::CardsStack::update(const Model &model) {
+void YearRailView::CardsStack::update(const Model &model, std::size_t furtherCards) {
+    m_furtherCards = static_cast<int>(furtherCards);
     auto fonts = YearCardView::Fonts::current();
     // Equal fonts that share their data compare at once.
     if (fonts != m_fonts)
@@ -186,6 +189,9 @@ bool YearRailView::CardsStack::updateAddCard(const Model &model) {
 
 void YearRailView::CardsStack::takeIn(HoverView *view) {
     view->installEventFilter(this);
+    // It gets its size when all are laid out; without any it would ask for the one it would like, which takes
+    // the fonts of texts that may stand below what is seen.
+    view->resize(0, 0);
     view->show();
 }
 
@@ -227,7 +233,9 @@ void YearRailView::CardsStack::layOut() {
         hasMoved = hasMoved || all[index]->geometry() != layout.cards[index];
         all[index]->setGeometry(layout.cards[index]);
     }
-    resize(width, layout.height);
+    const int further =
+        m_cards.empty() ? 0 : m_furtherCards * layout.height / static_cast<int>(m_cards.size());
+    resize(width, layout.height + further);
     if (hasMoved) {
         QWidget::update(); // the shadows
         for (auto *view : all)
@@ -336,7 +344,33 @@ YearRailView::YearRailView(QWidget *parent) : QWidget(parent) {
 void YearRailView::update(const Model &model) {
     m_footLabel->setText(model.footer);
     layOut();
-    m_cardsStack->update(model);
+    if (!m_whole) {
+        m_cardsStack->update(model);
+        return;
+    }
+    m_whole = model;
+    const auto seen = inSight(model);
+    m_cardsStack->update(seen, model.cards.size() - seen.cards.size());
+}
+
+void YearRailView::showOnlyCardsInSight() {
+    m_whole.emplace();
+}
+
+void YearRailView::showAllCards() {
+    if (const auto whole = std::exchange(m_whole, std::nullopt))
+        m_cardsStack->update(*whole);
+}
+
+YearRailView::Model YearRailView::inSight(Model model) const {
+    // No card is lower than one without texts.
+    const int leastHeight = layoutYearCard({}, 0).height + cardSpacing;
+    const auto most = static_cast<std::size_t>(m_scrollView->height() / leastHeight + 1);
+    if (model.cards.size() > most) {
+        model.cards.resize(most);
+        model.addYears.clear(); // below them
+    }
+    return model;
 }
 
 void YearRailView::paintEvent(QPaintEvent *event) {

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QScrollArea;
@@ -66,6 +67,11 @@ public:
     using QWidget::update;
     void update(const Model &model);
 
+    // Until all are wanted, only those cards are made that can be seen without scrolling, and the others'
+    // height is estimated: of a day with many years, the first picture would otherwise wait for all.
+    void showOnlyCardsInSight();
+    void showAllCards();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -75,10 +81,12 @@ private:
 
     YearRailLayout currentLayout() const;
     void layOut();
+    Model inSight(Model model) const;
 
     ElidedLabel *m_titleLabel;
     QScrollArea *m_scrollView;
     CardsStack *m_cardsStack;
+    std::optional<Model> m_whole; // while only a part is shown
     ThemeLabel *m_footLabel;
 };
 

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace diary {
 namespace {
@@ -502,6 +503,30 @@ TEST_F(YearRailViewTest, isReadFromTheTopByAssistiveTechnologies) {
         EXPECT_EQ(text->role(), QAccessible::StaticText);
         EXPECT_EQ(text->text(QAccessible::Name), label(name).text());
     }
+}
+
+TEST_F(YearRailViewTest, makesTheCardsOutOfSightWhenAllAreWanted) {
+    std::vector<std::int64_t> all(40);
+    std::iota(all.rbegin(), all.rend(), 1987);
+    rail.showOnlyCardsInSight();
+    rail.update(model(all, {1950}));
+    const auto first = shownYears();
+    ASSERT_LT(first.size(), all.size());
+    EXPECT_TRUE(std::equal(first.begin(), first.end(), all.begin()));
+    EXPECT_FALSE(addCard());
+    // They fill what is seen, and the scroll bar is about what it will be.
+    const auto *stack = cards().front()->parentWidget();
+    EXPECT_GT(cards().back()->geometry().bottom(), rail.height());
+    const int estimated = stack->height();
+
+    rail.showAllCards();
+    EXPECT_EQ(shownYears(), all);
+    EXPECT_TRUE(addCard());
+    EXPECT_NEAR(estimated, stack->height(), 100);
+    // From now on there is nothing to wait for.
+    rail.update(model({2026}));
+    rail.update(model(all));
+    EXPECT_EQ(shownYears(), all);
 }
 
 } // namespace
