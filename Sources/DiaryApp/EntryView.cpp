@@ -240,10 +240,9 @@ void EntryView::showEditor(const Model::Block::Editor &editor, const QString &ye
         m_placeholderLabel = GrowingTextView::make(fontSize, Theme::placeholder(), m_column);
         m_placeholderLabel->setObjectName(QStringLiteral("placeholderLabel"));
         m_placeholderLabel->setInert(true);
-        // As wide as they will be, so that their texts are laid out once.
         const int contentWidth = entryContentWidth(width());
-        m_textView->resize(contentWidth, m_textView->height());
-        m_placeholderLabel->resize(contentWidth, m_placeholderLabel->height());
+        m_textView->takeWidth(contentWidth);
+        m_placeholderLabel->takeWidth(contentWidth);
         setTabOrder(m_nextDay, m_textView);
     }
     m_textView->setText(editor.draft);

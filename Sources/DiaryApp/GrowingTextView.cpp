@@ -146,6 +146,13 @@ int GrowingTextView::heightForWidth(int width) const {
                     leastHeight);
 }
 
+void GrowingTextView::takeWidth(int width) {
+    resize(width, height());
+    // Else the viewport, whose width the text has, would follow only when it is shown.
+    setViewportMargins({});
+    document()->setPageSize(QSizeF(width, -1));
+}
+
 QSize GrowingTextView::sizeHint() const {
     return {0, std::max(static_cast<int>(std::ceil(m_layoutManager->documentSize().height())) + extraHeight,
                         leastHeight)};

@@ -51,6 +51,8 @@ public:
     // At least the height of two lines.
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
+    // At once, though it is not shown yet, so that its text is laid out once.
+    void takeWidth(int width);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {0, leastHeight}; }
 
