@@ -9,6 +9,7 @@
 
 #include <array>
 #include <chrono>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -45,11 +46,36 @@ bool hasDay(std::int64_t month, std::int64_t day) {
 
 } // namespace
 
-// The order and wording of month and day; Qt has them only together with a year or a weekday.
+// The order and wording of month and day; Qt has them only together with a year or a weekday. Found out when
+// it is first needed, since that takes ICU about a millisecond.
 class Context::DayFormat {
 public:
-    explicit DayFormat(const QLocale &locale) {
-        const auto name = locale.bcp47Name().toLatin1();
+    explicit DayFormat(const QLocale &locale) : m_locale(locale) {}
+    DayFormat(const DayFormat &) = delete;
+    DayFormat &operator=(const DayFormat &) = delete;
+    ~DayFormat() {
+        if (m_format)
+            udat_close(m_format);
+    }
+
+    std::optional<QString> text(std::int64_t month, std::int64_t day) const {
+        std::call_once(m_isOpened, [this] { open(); });
+        if (!m_format)
+            return std::nullopt;
+        // A leap year, in which every day of the cycle has a date; noon.
+        const std::chrono::sys_days date = std::chrono::year(2024) /
+                                           std::chrono::month(static_cast<unsigned>(month)) /
+                                           std::chrono::day(static_cast<unsigned>(day));
+        const std::chrono::duration<double, std::milli> instant =
+            date.time_since_epoch() + std::chrono::hours(12);
+        return fromIcu([&](UChar *buffer, std::int32_t capacity, UErrorCode *result) {
+            return udat_format(m_format, instant.count(), buffer, capacity, nullptr, result);
+        });
+    }
+
+private:
+    void open() const {
+        const auto name = m_locale.bcp47Name().toLatin1();
         UErrorCode status = U_ZERO_ERROR;
         std::array<char, ULOC_FULLNAME_CAPACITY> icuName{};
         uloc_forLanguageTag(name.constData(), icuName.data(), icuName.size(), nullptr, &status);
@@ -67,26 +93,10 @@ public:
         m_format = udat_open(UDAT_PATTERN, UDAT_PATTERN, icuName.data(), icuText(zone), -1, icuText(*pattern),
                              static_cast<std::int32_t>(pattern->size()), &status);
     }
-    DayFormat(const DayFormat &) = delete;
-    DayFormat &operator=(const DayFormat &) = delete;
-    ~DayFormat() { udat_close(m_format); }
 
-    std::optional<QString> text(std::int64_t month, std::int64_t day) const {
-        if (!m_format)
-            return std::nullopt;
-        // A leap year, in which every day of the cycle has a date; noon.
-        const std::chrono::sys_days date = std::chrono::year(2024) /
-                                           std::chrono::month(static_cast<unsigned>(month)) /
-                                           std::chrono::day(static_cast<unsigned>(day));
-        const std::chrono::duration<double, std::milli> instant =
-            date.time_since_epoch() + std::chrono::hours(12);
-        return fromIcu([&](UChar *buffer, std::int32_t capacity, UErrorCode *result) {
-            return udat_format(m_format, instant.count(), buffer, capacity, nullptr, result);
-        });
-    }
-
-private:
-    UDateFormat *m_format = nullptr; // none when ICU lacks what it needs
+    QLocale m_locale;
+    mutable std::once_flag m_isOpened;
+    mutable UDateFormat *m_format = nullptr; // none when ICU lacks what it needs
 };
 
 Context::Context() : Context(QStringLiteral("en"), QLocale(QLocale::English)) {}
