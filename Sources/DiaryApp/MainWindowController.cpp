@@ -82,13 +82,20 @@ MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Cl
       m_galleryDebounce(clock.makeTimer([this] { fetchGallery(); })),
       m_photoPreview(std::move(photoPreview)),
       m_dayChange(clock, [this] { m_session->calendarDayChanged(); }) {
+    // First, as the system's fonts are still being read about, which the window waits for.
+    bool hasMergedConflicts = false;
+    m_session->onMergedConflicts = [&hasMergedConflicts] { hasMergedConflicts = true; };
+    m_session->openToday();
     QApplication::setFont(Theme::application());
     m_window = std::make_unique<QMainWindow>();
     buildWindow(clock);
     wireCallbacks();
     buildMenu(m_programActions);
     connectSession();
-    m_session->openToday();
+    render(EditingSession::allParts());
+    m_session->onShowFromTop();
+    if (hasMergedConflicts)
+        m_session->onMergedConflicts();
 }
 
 MainWindowController::~MainWindowController() {
