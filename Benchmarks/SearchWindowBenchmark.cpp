@@ -5,13 +5,13 @@
 // own search and the wait for another letter; and the longest that one event kept the main thread, against a
 // frame.
 
+#include "WatchedApplication.h"
+
 #include <DiaryApp/QtExecutor.h>
 #include <DiaryApp/SearchRowView.h>
 #include <DiaryApp/SearchWindowController.h>
 #include <DiaryKit/LinuxCloudFiles.h>
 
-#include <QApplication>
-#include <QEvent>
 #include <QLineEdit>
 #include <QTest>
 
@@ -29,41 +29,30 @@ namespace {
 using diary::DiaryStore;
 using diary::SearchRowView;
 using diary::SearchWindowController;
-using Clock = std::chrono::steady_clock;
-using Milliseconds = std::chrono::duration<double, std::milli>;
+using diary::benchmarks::WatchedApplication;
+using Clock = WatchedApplication::Clock;
+using Milliseconds = WatchedApplication::Milliseconds;
 
 constexpr int rounds = 9;
-constexpr Milliseconds frame{16};
+constexpr Milliseconds frame = WatchedApplication::frame;
 
 double median(std::vector<double> values) {
     std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
     return values[rounds / 2];
 }
 
-// Watches how long the events take, and when a row is painted.
-class WatchedApplication : public QApplication {
+// Watches when a row is painted, too.
+class WatchedSearch : public WatchedApplication {
 public:
-    using QApplication::QApplication;
+    using WatchedApplication::WatchedApplication;
 
-    bool notify(QObject *receiver, QEvent *event) override {
-        const bool isRowPainted = event->type() == QEvent::Paint && qobject_cast<SearchRowView *>(receiver);
-        const auto start = Clock::now();
-        ++m_depth;
-        const bool isHandled = QApplication::notify(receiver, event);
-        --m_depth;
-        const auto end = Clock::now();
-        if (m_depth == 0)
-            longestEvent = std::max(longestEvent, Milliseconds(end - start));
-        if (isRowPainted && !firstRowPainted)
-            firstRowPainted = end;
-        return isHandled;
-    }
-
-    Milliseconds longestEvent{0};
     std::optional<Clock::time_point> firstRowPainted;
 
-private:
-    int m_depth = 0;
+protected:
+    void wasHandled(QObject *receiver, const QEvent &event, Clock::time_point end) override {
+        if (event.type() == QEvent::Paint && !firstRowPainted && qobject_cast<SearchRowView *>(receiver))
+            firstRowPainted = end;
+    }
 };
 
 Milliseconds kitSearch(const std::filesystem::path &vault, const std::string &query) {
@@ -81,7 +70,7 @@ int main(int argc, char *argv[]) {
         return 2;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    WatchedApplication application(argc, argv);
+    WatchedSearch application(argc, argv);
     const std::filesystem::path vault = argv[1];
     diary::SystemClock clock;
     diary::QtExecutor executor;
