@@ -13,7 +13,7 @@
 namespace diary {
 
 std::filesystem::path PhotoModule::file(const std::filesystem::path &programFolder) {
-    return programFolder.parent_path() / "lib" / "tavelo" / "tavelo-photos.so";
+    return programFolder.parent_path() / "lib/tavelo/modules/tavelo-photos.so";
 }
 
 std::unique_ptr<PhotoModule> PhotoModule::find(const std::filesystem::path &programFolder,

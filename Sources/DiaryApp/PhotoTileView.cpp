@@ -144,6 +144,8 @@ void PhotoTileView::paintImage(QPainter &painter, const QRect &bounds) {
         paint(Theme::cardBg());
     if (!m_photo.image.isNull()) {
         m_paintedSize = (QSizeF(bounds.size()) * painter.deviceTransform().m11()).toSize();
+        // Rough for a few milliseconds only, and all tiles at once: what is quickest.
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, isSharp());
         auto image = isSharp() ? m_scaled : m_photo.image;
         const auto crop = isSharp() ? image.rect() : cropRectTo3x2(image.size());
         image.setDevicePixelRatio(1);

@@ -46,7 +46,7 @@ private:
 fs::path file() {
     std::error_code error;
     const auto program = fs::read_symlink("/proc/self/exe", error);
-    return program.parent_path().parent_path() / "lib" / "tavelo" / "tavelo-updates.so";
+    return program.parent_path().parent_path() / "lib/tavelo/modules/tavelo-updates.so";
 }
 
 UpdateChecker::Parts parts(const fs::path &module) {

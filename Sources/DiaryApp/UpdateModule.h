@@ -9,7 +9,7 @@
 // when it is first used, since what it is linked with would make every start slower. Main thread only.
 namespace diary::UpdateModule {
 
-// "lib/tavelo/tavelo-updates.so" beside the program's folder.
+// "lib/tavelo/modules/tavelo-updates.so" beside the program's folder.
 std::filesystem::path file();
 
 // What the module makes; none when it cannot be loaded or belongs to another version of the program. Nothing

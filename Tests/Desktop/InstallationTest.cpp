@@ -65,7 +65,7 @@ TEST_F(InstallationTest, putsEachFileInItsPlace) {
     }
     for (const std::string module : {"tavelo-photos", "tavelo-updates"}) {
         if (testing::buildHas(module))
-            expected.insert("lib/tavelo/" + module + ".so");
+            expected.insert("lib/tavelo/modules/" + module + ".so");
     }
     EXPECT_EQ(tree.files(), expected);
 }

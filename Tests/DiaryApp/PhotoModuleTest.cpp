@@ -78,7 +78,7 @@ TEST_F(PhotoModuleTest, isAbsentWhereItIsNotInstalled) {
 }
 
 TEST_F(PhotoModuleTest, standsBesideTheProgramsFolder) {
-    EXPECT_EQ(PhotoModule::file("/opt/tavelo/bin"), "/opt/tavelo/lib/tavelo/tavelo-photos.so");
+    EXPECT_EQ(PhotoModule::file("/opt/tavelo/bin"), "/opt/tavelo/lib/tavelo/modules/tavelo-photos.so");
 }
 
 TEST_F(PhotoModuleTest, looksIntoTheUsersOwnFolders) {
@@ -153,7 +153,7 @@ TEST_F(PhotoModuleTest, answersEveryoneWhoAskedWhileItWasLoaded) {
 }
 
 TEST_F(PhotoModuleTest, deniesTheRightWhenItCannotBeLoaded) {
-    folder.write("lib/tavelo/tavelo-photos.so", "not a library");
+    folder.write("lib/tavelo/modules/tavelo-photos.so", "not a library");
     find({});
     EXPECT_EQ(request(), Status::Denied);
     EXPECT_EQ(module->authorizationStatus(), Status::Denied);

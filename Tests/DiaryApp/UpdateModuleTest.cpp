@@ -33,7 +33,7 @@ bool isLoaded(const fs::path &file) {
 
 TEST(UpdateModule, liesBesideTheProgramsFolder) {
     EXPECT_EQ(UpdateModule::file(), fs::read_symlink("/proc/self/exe").parent_path().parent_path() /
-                                        "lib/tavelo/tavelo-updates.so");
+                                        "lib/tavelo/modules/tavelo-updates.so");
     EXPECT_TRUE(fs::equivalent(UpdateModule::file(), builtModule()));
 }
 
