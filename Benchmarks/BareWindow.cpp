@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The least that a Qt program can do: a window of the diary's size, shown and left. It is empty, or with the
-// argument "text" an editor with a line in it and a menu.
+// argument "text" an editor with a line in it and a menu. With the argument "stay" it is not left.
 
 #include "FirstPaint.h"
 
@@ -10,14 +10,18 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 
+#include <optional>
 #include <string_view>
 
 int main(int argc, char *argv[]) {
+    const std::string_view argument = argc > 1 ? argv[1] : "";
     QApplication::setStyle(QStringLiteral("fusion"));
     const QApplication application(argc, argv);
-    const diary::benchmarks::ExitAfterFirstPaint exit;
+    std::optional<diary::benchmarks::ExitAfterFirstPaint> exit;
+    if (argument != "stay")
+        exit.emplace();
     QMainWindow window;
-    if (argc > 1 && std::string_view(argv[1]) == "text") {
+    if (argument == "text") {
         window.menuBar()->addMenu(QStringLiteral("File"));
         window.setCentralWidget(new QPlainTextEdit(QStringLiteral("A line of text")));
     }
