@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/ElidedLabel.h>
+#include <DiaryApp/GridNavigation.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/PhotoTileView.h>
@@ -174,39 +175,13 @@ bool PhotoGalleryView::eventFilter(QObject *watched, QEvent *event) {
 
 void PhotoGalleryView::keyPressEvent(QKeyEvent *event) {
     const auto focused = focusedIndex();
-    if (!focused || (event->modifiers() & ~Qt::KeypadModifier)) {
+    const auto target = focused
+                            ? gridTarget(*event, *focused, m_tileViews.size(), PhotoGalleryLayout::tilesInRow)
+                            : std::nullopt;
+    if (target)
+        m_tileViews[*target]->setFocus(Qt::TabFocusReason);
+    else
         QWidget::keyPressEvent(event);
-        return;
-    }
-    constexpr std::size_t row = PhotoGalleryLayout::tilesInRow;
-    const auto last = m_tileViews.size() - 1;
-    auto target = *focused;
-    switch (event->key()) {
-    case Qt::Key_Left:
-        target -= target > 0 ? 1 : 0;
-        break;
-    case Qt::Key_Right:
-        target = std::min(target + 1, last);
-        break;
-    case Qt::Key_Up:
-        target -= target >= row ? row : 0;
-        break;
-    case Qt::Key_Down:
-        // To the end of a last row that is shorter.
-        if (target / row < last / row)
-            target = std::min(target + row, last);
-        break;
-    case Qt::Key_Home:
-        target = 0;
-        break;
-    case Qt::Key_End:
-        target = last;
-        break;
-    default:
-        QWidget::keyPressEvent(event);
-        return;
-    }
-    m_tileViews[target]->setFocus(Qt::TabFocusReason);
 }
 
 // Beside the tiles is no paper to write on.

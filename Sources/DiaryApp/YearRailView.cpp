@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/AddYearCardView.h>
 #include <DiaryApp/ElidedLabel.h>
+#include <DiaryApp/GridNavigation.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/QuietScrollBar.h>
 #include <DiaryApp/Theme.h>
@@ -266,33 +267,15 @@ bool YearRailView::CardsStack::eventFilter(QObject *watched, QEvent *event) {
 }
 
 void YearRailView::CardsStack::keyPressEvent(QKeyEvent *event) {
-    const auto focused = focusedIndex();
-    if (!focused || (event->modifiers() & ~Qt::KeypadModifier)) {
-        QWidget::keyPressEvent(event);
-        return;
-    }
     const auto all = views();
-    const auto last = all.size() - 1;
-    auto target = *focused;
-    switch (event->key()) {
-    case Qt::Key_Up:
-        target = target > 0 ? target - 1 : 0;
-        break;
-    case Qt::Key_Down:
-        target = std::min(target + 1, last);
-        break;
-    case Qt::Key_Home:
-        target = 0;
-        break;
-    case Qt::Key_End:
-        target = last;
-        break;
-    default:
+    const auto focused = focusedIndex();
+    const auto target = focused ? gridTarget(*event, *focused, all.size(), 1) : std::nullopt;
+    if (!target) {
         QWidget::keyPressEvent(event);
         return;
     }
-    all[target]->setFocus(Qt::TabFocusReason);
-    showWhole(all[target]);
+    all[*target]->setFocus(Qt::TabFocusReason);
+    showWhole(all[*target]);
 }
 
 void YearRailView::CardsStack::paintEvent(QPaintEvent *event) {
