@@ -39,14 +39,22 @@ constexpr std::size_t mostImageThreads = 2;
 // While a long search finds more and more.
 constexpr milliseconds noticeInterval(300);
 
+// Of this thread, from 0, which is everyone's, to 19.
+void setNiceness(int niceness) {
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::syscall(SYS_gettid)), niceness);
+}
+
+// Someone waits for the pictures, but sees it at once when the window does.
+void giveWayToTheWindow() {
+    setNiceness(5);
+}
+
 // The search must not be felt. Not SCHED_IDLE, under which a thread that holds a lock of the database might
 // not run for seconds while a query waits for it.
-void lowerPriority() {
-    constexpr int niceness = 19;
+void giveWayToEverything() {
     constexpr int whoProcess = 1;      // IOPRIO_WHO_PROCESS
     constexpr int idleClass = 3 << 13; // IOPRIO_CLASS_IDLE
-    const auto thread = static_cast<id_t>(::syscall(SYS_gettid));
-    ::setpriority(PRIO_PROCESS, thread, niceness);
+    setNiceness(19);
     ::syscall(SYS_ioprio_set, whoProcess, 0, idleClass);
 }
 
@@ -290,6 +298,7 @@ void FolderPhotoSource::Work::addJob(std::function<void()> job) {
 
 void FolderPhotoSource::Work::runJobs() {
     ::pthread_setname_np(::pthread_self(), "photo-images");
+    giveWayToTheWindow();
     std::unique_lock lock(m_mutex);
     while (!m_isClosing) {
         if (m_jobs.empty()) {
@@ -372,7 +381,7 @@ void FolderPhotoSource::Work::tellOfChange(bool atOnce) {
 
 void FolderPhotoSource::Work::search() {
     ::pthread_setname_np(::pthread_self(), "photo-search");
-    lowerPriority();
+    giveWayToEverything();
     // Polled, tells of every mount, which makes no event in the folder it is mounted over.
     const FileDescriptor mounts(::open("/proc/thread-self/mountinfo", O_RDONLY | O_CLOEXEC));
     PhotoWatch watch(m_options.mostWatchedFolders);
