@@ -4,11 +4,13 @@
 
 #include "FastestTimes.h"
 
+#include <DiaryApp/DayPhotoLibrary.h>
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
 #include <DiaryApp/MarkdownHighlighter.h>
+#include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/Theme.h>
 
 #include <QApplication>

@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: MIT
 //
-// The diary as it starts, left as soon as it is shown.
+// The diary as it starts, left as soon as it is shown. With the argument "alone" it has no photos and no
+// updates.
 
 #include "FirstPaint.h"
 
 #include <DiaryApp/AppDelegate.h>
 #include <DiaryApp/ApplicationStart.h>
 #include <DiaryApp/FileManager.h>
+#include <DiaryApp/PhotoModule.h>
+#include <DiaryApp/PhotoSource.h>
+#include <DiaryApp/Settings.h>
+#include <DiaryApp/Text.h>
+#include <DiaryApp/UpdateChecker.h>
+#include <DiaryApp/UpdateModule.h>
 
 #include <QApplication>
+
+#include <optional>
+#include <string_view>
+#include <utility>
 
 int main(int argc, char *argv[]) {
     const diary::ApplicationStart start;
@@ -16,7 +27,16 @@ int main(int argc, char *argv[]) {
     const diary::benchmarks::ExitAfterFirstPaint exit;
     diary::SystemClock clock;
     diary::DesktopFileManager fileManager;
-    diary::AppDelegate delegate(clock, fileManager);
+    diary::AppServices services;
+    std::optional<diary::UpdateChecker> updates;
+    if (argc == 1 || std::string_view(argv[1]) != "alone") {
+        updates.emplace(clock, diary::Settings::shared(), diary::UpdateModule::parts(),
+                        diary::UpdateChecker::surroundings());
+        services.updates = &*updates;
+        services.photos = diary::PhotoModule::find(diary::toUtf8(QApplication::applicationDirPath()),
+                                                   diary::PhotoModule::userFolders());
+    }
+    diary::AppDelegate delegate(clock, fileManager, std::move(services));
     QTimer::singleShot(0, &delegate, [&delegate] { delegate.applicationDidFinishLaunching(); });
     return QApplication::exec();
 }
