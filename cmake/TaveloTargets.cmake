@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 #
-# What every target of the project shares: warnings, sanitizers, and how a test is added.
+# What every target of the project shares: warnings, sanitizers, and headers that are checked.
 
 add_library(tavelo_options INTERFACE)
 target_compile_options(

@@ -50,12 +50,8 @@ constexpr auto pauseBetweenKnocks = 50ms;
 // Keeps the first request to the network out of the start.
 constexpr auto firstUpdateCheckDelay = 5s;
 
-bool isScenario() {
-    return qEnvironmentVariableIsSet("DIARY_SCREENSHOT");
-}
-
 bool comesToFront() {
-    return !isScenario() || qEnvironmentVariableIsSet("DIARY_ACTIVATE");
+    return !isDebugScenario() || qEnvironmentVariableIsSet("DIARY_ACTIVATE");
 }
 
 std::filesystem::path chosenVault() {
@@ -113,14 +109,14 @@ void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
     QApplication::setPalette(Theme::palette());
     Theme::setInterfaceLanguage(Localization::bundle().language());
     // A scripted run writes what it is told to and takes a picture; it may look at a vault in use.
-    if (!isScenario() && !claimVault(action)) {
+    if (!isDebugScenario() && !claimVault(action)) {
         QCoreApplication::exit();
         return;
     }
 
     m_terminationSignals = std::make_unique<TerminationSignals>([this] { terminate(); });
     m_mainWindowController = makeMainWindow();
-    if (!isScenario()) {
+    if (!isDebugScenario()) {
         WindowFrame::restore(*m_mainWindowController->window());
         m_mainWindowController->onFirstPainted = [this] {
             if (onFirstPainted)
@@ -129,7 +125,7 @@ void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
     }
     showMainWindow();
     perform(action);
-    if (isScenario())
+    if (isDebugScenario())
         runDebugScenario(*this);
     observeUpdates();
     tellOfRescuedTexts();
@@ -216,7 +212,7 @@ void AppDelegate::rebuildMainWindow() {
     auto &old = m_retired.emplace_back(m_mainWindowController.release());
     if (old && !old->session().flushSaveIfDirty())
         old->session().rescueUnsavedText(RescuedTexts::folder());
-    const bool isHere = isScenario() || claimVault();
+    const bool isHere = isDebugScenario() || claimVault();
 
     m_mainWindowController = makeMainWindow();
     if (old) {
@@ -314,7 +310,7 @@ void AppDelegate::checkForUpdates() {
 
 void AppDelegate::maybeShowOnboarding() {
     const bool isAskedFor = qEnvironmentVariableIsSet("DIARY_VIEW_ONBOARD");
-    const bool isScripted = isScenario() || qEnvironmentVariableIsSet("DIARY_ROOT");
+    const bool isScripted = isDebugScenario() || qEnvironmentVariableIsSet("DIARY_ROOT");
     if (!isAskedFor && (isScripted || !Settings::shared().needsOnboarding()))
         return;
     const auto drive = cloudDriveName();
@@ -389,7 +385,7 @@ void AppDelegate::applicationWillTerminate() {
 
 void AppDelegate::terminate() {
     applicationShouldTerminate();
-    if (m_mainWindowController && !isScenario())
+    if (m_mainWindowController && !isDebugScenario())
         WindowFrame::remember(*m_mainWindowController->window());
     QCoreApplication::exit();
 }

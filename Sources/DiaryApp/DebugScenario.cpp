@@ -18,7 +18,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <string>
 
 namespace diary {
 
@@ -115,6 +114,10 @@ void finishWhenSettled(AppDelegate &delegate, std::chrono::steady_clock::time_po
 }
 
 } // namespace
+
+bool isDebugScenario() {
+    return qEnvironmentVariableIsSet("DIARY_SCREENSHOT");
+}
 
 void runDebugScenario(AppDelegate &delegate) {
     // A blinking caret would make two pictures of one page differ.

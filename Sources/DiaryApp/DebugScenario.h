@@ -10,4 +10,7 @@ class AppDelegate;
 // docs/architecture.md lists the variables. The delegate must live until the program ends.
 void runDebugScenario(AppDelegate &delegate);
 
+// Whether this run of the program is a scripted one.
+bool isDebugScenario();
+
 } // namespace diary

@@ -7,6 +7,7 @@
 #include <QtDebug>
 
 #include <exception>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -124,7 +125,13 @@ std::unique_ptr<PhotoSource> PhotoModule::makeSource(const PhotoFolders &folders
     QLibrary library(pathToQString(m_file));
     // Threads of the libraries it brings along may outlive the source.
     library.setLoadHints(QLibrary::PreventUnloadHint);
-    auto *make = reinterpret_cast<MakePhotoSource *>(library.resolve(makePhotoSourceName));
+    const auto version = reinterpret_cast<PhotosVersion *>(library.resolve(photosVersionName));
+    if (version && version() != std::string_view(TAVELO_VERSION)) {
+        qWarning("The photo module is that of version %s", version());
+        return nullptr;
+    }
+    const auto make =
+        version ? reinterpret_cast<MakePhotoSource *>(library.resolve(makePhotoSourceName)) : nullptr;
     if (!make) {
         qWarning("The photo module cannot be used: %s", qPrintable(library.errorString()));
         return nullptr;

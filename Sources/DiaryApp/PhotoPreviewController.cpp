@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/DebugScenario.h>
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/Text.h>
@@ -107,10 +108,6 @@ bool hasSameProportions(QSize a, QSize b) {
     const double ratioA = static_cast<double>(a.width()) / a.height();
     const double ratioB = static_cast<double>(b.width()) / b.height();
     return std::abs(ratioA / ratioB - 1) < 0.02;
-}
-
-bool isScenario() {
-    return qEnvironmentVariableIsSet("DIARY_SCREENSHOT");
 }
 
 } // namespace
@@ -277,8 +274,8 @@ void PhotoPreviewController::present(QWidget *over) {
         makePanel(over);
     m_shown = m_startIndex;
     loadWholeImages();
-    m_panel->setZoomDuration(isScenario() || m_motion.isReduced() ? std::chrono::milliseconds(0)
-                                                                  : zoomDuration);
+    m_panel->setZoomDuration(isDebugScenario() || m_motion.isReduced() ? std::chrono::milliseconds(0)
+                                                                       : zoomDuration);
     m_panel->update(panelModel());
     m_panel->zoomIn(sourceFrameOnScreen(m_startIndex));
 }

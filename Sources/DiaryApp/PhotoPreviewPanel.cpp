@@ -11,7 +11,6 @@
 #include <QAccessibleWidget>
 #include <QEasingCurve>
 #include <QKeyEvent>
-#include <QKeySequence>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>

@@ -94,7 +94,11 @@ struct PhotoFolders {
     std::filesystem::path thumbnails;         // the desktop's shared thumbnails, $XDG_CACHE_HOME/thumbnails
 };
 
-// The function by which the photo module is entered, and its type. The caller owns what it makes.
+// The functions by which the photo module is entered, and their types. The module must be of the program's
+// own version: one that was replaced while the program runs speaks of other types. The caller owns what is
+// made.
+using PhotosVersion = const char *();
+inline constexpr const char *photosVersionName = "tavelo_photos_version";
 using MakePhotoSource = PhotoSource *(const PhotoFolders &folders);
 inline constexpr const char *makePhotoSourceName = "tavelo_make_photo_source";
 

@@ -494,7 +494,10 @@ void UpdateChecker::installPendingUpdate() {
 }
 
 std::optional<UpdateStaging::Outcome> UpdateChecker::takeOutcome() {
-    return m_state->staging().takeOutcome();
+    const auto outcome = m_state->staging().takeOutcome();
+    if (outcome && !outcome->reason.empty())
+        qWarning("The update to %s was not installed: %s", outcome->version.c_str(), outcome->reason.c_str());
+    return outcome;
 }
 
 std::optional<QString> UpdateChecker::pendingVersion() const {

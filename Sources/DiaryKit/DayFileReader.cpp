@@ -20,19 +20,12 @@ DayFileReader::DayFileReader(const std::filesystem::path &folder)
           retryingWhenInterrupted([&] { return ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); })) {
 }
 
-std::optional<std::string_view> DayFileReader::read(MonthDay monthDay,
-                                                    std::filesystem::file_time_type *modified) {
+std::optional<std::string_view> DayFileReader::read(MonthDay monthDay) {
     const auto name = monthDay.fileName();
     const FileDescriptor file(retryingWhenInterrupted(
         [&] { return ::openat(m_folder.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
     if (!file)
         return std::nullopt;
-    if (modified) {
-        struct stat status {};
-        if (fstat(file.get(), &status) < 0 || !S_ISREG(status.st_mode))
-            return std::nullopt;
-        *modified = fileTime(status);
-    }
     if (m_buffer.empty())
         m_buffer.resize(initialRoom);
 

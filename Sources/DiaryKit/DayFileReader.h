@@ -18,9 +18,8 @@ public:
     explicit DayFileReader(const std::filesystem::path &folder);
 
     // The file's bytes as they are, valid until the next call; none when it is missing, unreadable or no
-    // regular file. Their modification date, if asked for, is the one before reading.
-    std::optional<std::string_view> read(MonthDay monthDay,
-                                         std::filesystem::file_time_type *modified = nullptr);
+    // regular file.
+    std::optional<std::string_view> read(MonthDay monthDay);
 
     std::optional<std::filesystem::file_time_type> modificationDate(MonthDay monthDay) const;
 

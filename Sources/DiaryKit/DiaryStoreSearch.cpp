@@ -15,7 +15,6 @@
 #include <unicode/utext.h>
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <utility>

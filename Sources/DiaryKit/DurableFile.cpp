@@ -3,7 +3,6 @@
 #include <DiaryKit/SystemCalls.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>

@@ -7,6 +7,7 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <optional>

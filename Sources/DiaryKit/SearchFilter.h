@@ -3,7 +3,6 @@
 
 #include <DiaryKit/CaseFolding.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>

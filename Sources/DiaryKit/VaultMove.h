@@ -53,8 +53,6 @@ public:
     // What was installed stays for good.
     void keep() { m_isKept = true; }
 
-    std::size_t fileCount() const { return m_copies.size(); }
-
 private:
     // What tells whether a file was changed. Of a change within one step of the file system's clock only the
     // bytes tell.

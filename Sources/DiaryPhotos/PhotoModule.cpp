@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// The entry of the photo module, by the name that the program looks for.
+// The entries of the photo module, by the names that the program looks for.
 
 #include <DiaryPhotos/FolderPhotoSource.h>
 #include <DiaryPhotos/PhotoDecoder.h>
 #include <DiaryPhotos/PhotoThumbnails.h>
 
-extern "C" __attribute__((visibility("default"))) diary::MakePhotoSource tavelo_make_photo_source;
+#define TAVELO_ENTRY extern "C" __attribute__((visibility("default")))
+
+TAVELO_ENTRY diary::PhotosVersion tavelo_photos_version;
+TAVELO_ENTRY diary::MakePhotoSource tavelo_make_photo_source;
+
+const char *tavelo_photos_version() {
+    return TAVELO_VERSION;
+}
 
 diary::PhotoSource *tavelo_make_photo_source(const diary::PhotoFolders &folders) {
     return new diary::FolderPhotoSource(

@@ -6,7 +6,6 @@
 #include <DiaryUpdates/BundlePath.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <map>
 #include <memory>

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include <openssl/evp.h>
 

@@ -9,7 +9,6 @@
 #include <DiaryKit/UnicodeText.h>
 #include <DiaryKit/YearSectionParser.h>
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 #include <system_error>

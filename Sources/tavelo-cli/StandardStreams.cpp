@@ -4,7 +4,6 @@
 #include <DiaryKit/DurableFile.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <system_error>

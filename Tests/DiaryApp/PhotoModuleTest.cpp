@@ -30,9 +30,9 @@ constexpr PhotoSource::LocalTime noTime{};
 class PhotoModuleTest : public ::testing::Test {
 protected:
     // A copy, so that no test finds the module loaded by another.
-    void install() {
+    void install(const char *built = TAVELO_TEST_PHOTO_MODULE) {
         std::filesystem::create_directories(PhotoModule::file(programFolder).parent_path());
-        std::filesystem::copy_file(TAVELO_TEST_PHOTO_MODULE, PhotoModule::file(programFolder));
+        std::filesystem::copy_file(built, PhotoModule::file(programFolder));
     }
 
     void find(const PhotoFolders &folders) {
@@ -157,6 +157,13 @@ TEST_F(PhotoModuleTest, deniesTheRightWhenItCannotBeLoaded) {
     find({});
     EXPECT_EQ(request(), Status::Denied);
     EXPECT_EQ(module->authorizationStatus(), Status::Denied);
+    EXPECT_THAT(told(), IsEmpty());
+}
+
+TEST_F(PhotoModuleTest, deniesTheRightWhenTheModuleIsOfAnotherVersion) {
+    install(TAVELO_TEST_OTHER_PHOTO_MODULE);
+    find({});
+    EXPECT_EQ(request(), Status::Denied);
     EXPECT_THAT(told(), IsEmpty());
 }
 

@@ -124,7 +124,7 @@ TEST_F(DiaryStoreSaving, makesNoFileForAnUntouchedDay) {
 }
 
 TEST_F(DiaryStoreSaving, makesTheFolderForTheFirstText) {
-    DiaryStore store(m_folder / "deep/down/vault");
+    DiaryStore store(m_folder / "deep/down/vault", {.stateFolder = m_folder / "state"});
     store.save("# 03-14\n\n## 2024\n\nhello\n", piDay);
     EXPECT_EQ(m_folder.read("deep/down/vault/03-14.md"), "# 03-14\n\n## 2024\n\nhello\n");
     EXPECT_EQ(m_folder.names("deep/down/vault"), Names{"03-14.md"});

@@ -22,11 +22,13 @@ int main(int argc, char *argv[]) {
     }
     // English, whatever the developer's own language is.
     qputenv("LC_ALL", "C.UTF-8");
-    for (const char *name :
-         {"LANGUAGE", "DIARY_LANGUAGE", "DIARY_ROOT", "DIARY_SCREENSHOT", "DIARY_SCREENSHOT_DELAY",
-          "DIARY_VIEW_DAY", "DIARY_VIEW_YEAR", "DIARY_VIEW_SOURCE", "DIARY_TYPE_TEXT", "DIARY_ACTIVATE",
-          "DIARY_FAKE_PHOTOS", "DIARY_FAKE_PHOTO_NAMES", "DIARY_FAKE_PHOTOS_DIR", "DISPLAY",
-          "WAYLAND_DISPLAY", "XAUTHORITY"})
+    std::vector<QByteArray> foreign{"LANGUAGE", "DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY"};
+    for (char **variable = environ; variable && *variable; ++variable) {
+        const QByteArray text(*variable);
+        if (text.startsWith("DIARY_"))
+            foreign.push_back(text.left(text.indexOf('=')));
+    }
+    for (const auto &name : foreign)
         qunsetenv(name);
     // Whoever asks for the session bus gets none, rather than a new one that outlives the test.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");

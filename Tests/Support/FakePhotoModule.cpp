@@ -67,6 +67,10 @@ private:
 
 } // namespace
 
+extern "C" __attribute__((visibility("default"))) const char *tavelo_photos_version() {
+    return TAVELO_TEST_MODULE_VERSION;
+}
+
 extern "C" __attribute__((visibility("default"))) PhotoSource *
 tavelo_make_photo_source(const PhotoFolders &folders) {
     if (folders.pictures == "throw")
