@@ -1,19 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/DayPhotoLibrary.h>
+#include <DiaryApp/ScriptedPhotos.h>
 #include <DiaryKit/Executor.h>
 
-#include <QColor>
-#include <QDir>
 #include <QGuiApplication>
-#include <QImageReader>
 #include <QPointer>
-#include <QStringList>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <map>
 #include <memory>
 #include <utility>
 
@@ -72,16 +68,11 @@ std::optional<LocalTime> startOfDay(std::int64_t year, std::int64_t month, std::
     return LocalTime(chrono::local_days(date));
 }
 
-QString timeText(std::int64_t hour, std::int64_t minute) {
-    return QStringLiteral("%1:%2").arg(hour, 2, 10, QLatin1Char('0')).arg(minute, 2, 10, QLatin1Char('0'));
-}
-
 QString timeText(const std::optional<LocalTime> &time) {
     if (!time)
         return {};
-    const auto sinceMidnight = *time - std::chrono::floor<std::chrono::days>(*time);
-    const std::chrono::hh_mm_ss clock(sinceMidnight);
-    return timeText(clock.hours().count(), clock.minutes().count());
+    const std::chrono::hh_mm_ss clock(*time - std::chrono::floor<std::chrono::days>(*time));
+    return photoTimeText(static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()));
 }
 
 DayPhoto photoWithoutImage(PhotoSource::Asset asset) {
@@ -89,67 +80,6 @@ DayPhoto photoWithoutImage(PhotoSource::Asset asset) {
             .filename = asset.filename.isEmpty() ? QStringLiteral("IMG") : std::move(asset.filename),
             .timeText = timeText(asset.creationTime),
             .assetIdentifier = std::move(asset.identifier)};
-}
-
-// None when the variable does not hold a number, and nothing else.
-std::optional<std::int64_t> fakePhotoCount() {
-    const auto text = qEnvironmentVariable("DIARY_FAKE_PHOTOS");
-    const auto isDigit = [](QChar character) {
-        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
-    };
-    const auto digits =
-        text.startsWith(QLatin1Char('+')) || text.startsWith(QLatin1Char('-')) ? text.mid(1) : text;
-    if (digits.isEmpty() || !std::all_of(digits.begin(), digits.end(), isDigit))
-        return std::nullopt;
-    bool fits = false;
-    const qlonglong count = text.toLongLong(&fits);
-    if (!fits)
-        return std::nullopt;
-    return count;
-}
-
-// Of the folder's files, those that are images, by name.
-const std::vector<QImage> &imagesIn(const QString &folder) {
-    static std::map<QString, std::vector<QImage>> known;
-    const auto [entry, isNew] = known.try_emplace(folder);
-    if (!isNew)
-        return entry->second;
-    const QDir files(folder);
-    auto names = files.entryList(QDir::Files, QDir::NoSort); // without the hidden ones
-    std::sort(names.begin(), names.end());
-    for (const auto &name : names) {
-        QImageReader reader(files.filePath(name));
-        reader.setAutoTransform(true);
-        if (auto image = reader.read(); !image.isNull())
-            entry->second.push_back(std::move(image));
-    }
-    return entry->second;
-}
-
-QImage generatedImage(std::int64_t index) {
-    QImage image(DayPhotoLibrary::imageSize, QImage::Format_RGB32);
-    const double hue = std::fmod(static_cast<double>(index) * 0.13, 1.0);
-    image.fill(QColor::fromHsvF(static_cast<float>(hue), 0.18F, 0.85F));
-    return image;
-}
-
-std::vector<DayPhoto> fakePhotos(std::int64_t count) {
-    const auto names =
-        qEnvironmentVariable("DIARY_FAKE_PHOTO_NAMES").split(QLatin1Char(','), Qt::SkipEmptyParts);
-    const auto folder = qEnvironmentVariable("DIARY_FAKE_PHOTOS_DIR");
-    const auto images = folder.isEmpty() ? std::vector<QImage>() : imagesIn(folder);
-    std::vector<DayPhoto> photos;
-    for (std::int64_t index = 0; index < std::min(count, DayPhotoLibrary::mostFakePhotos); ++index) {
-        const auto unsignedIndex = static_cast<std::size_t>(index);
-        photos.push_back(
-            {.image = images.empty() ? generatedImage(index) : images[unsignedIndex % images.size()],
-             .filename = names.isEmpty()
-                             ? QStringLiteral("IMG_%1.HEIC").arg(4100 + index, 4, 10, QLatin1Char('0'))
-                             : names[index % names.size()],
-             .timeText = timeText((2 * index + 7) % 24, (17 * index + 12) % 60),
-             .assetIdentifier = std::nullopt});
-    }
-    return photos;
 }
 
 } // namespace
@@ -177,8 +107,8 @@ DayPhotoLibrary::DayPhotoLibrary(PhotoSource *source, Executor *fetchQueue)
 }
 
 void DayPhotoLibrary::fetch(std::int64_t year, std::int64_t month, std::int64_t day, Completion completion) {
-    if (const auto count = fakePhotoCount()) {
-        completion(fakePhotos(*count));
+    if (auto scripted = scriptedPhotos()) {
+        completion(std::move(*scripted));
         return;
     }
     if (!m_source) {

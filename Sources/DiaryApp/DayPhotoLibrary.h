@@ -39,9 +39,7 @@ private:
 // Main thread only. The source is asked on the fetch queue, in the background, and must be there until the
 // queue has done its work; the queue must outlive the library.
 //
-// For pictures and demonstrations the photos can be scripted: DIARY_FAKE_PHOTOS is their number,
-// DIARY_FAKE_PHOTO_NAMES holds file names with commas between, and DIARY_FAKE_PHOTOS_DIR is a folder of
-// images, which are read once.
+// Scripted photos go before those of the source.
 class DayPhotoLibrary : public QObject {
     Q_OBJECT
 
@@ -50,8 +48,6 @@ public:
 
     // The first of the day.
     static constexpr std::size_t mostPhotos = 24;
-    // Of scripted ones, whatever the number asked for.
-    static constexpr std::int64_t mostFakePhotos = 1000;
     // Which an image just covers, in logical pixels.
     static constexpr QSize imageSize{400, 264};
 

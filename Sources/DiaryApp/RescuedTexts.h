@@ -7,6 +7,7 @@
 // stay until the user removes them. Main thread only.
 namespace diary::RescuedTexts {
 
+// Made when there is something to be put into it.
 std::filesystem::path folder();
 
 // Whether there is one that the user has not been told of.

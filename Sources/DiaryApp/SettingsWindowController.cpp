@@ -13,7 +13,6 @@
 #include <DiaryApp/Theme.h>
 #include <DiaryApp/ThemeLabel.h>
 #include <DiaryApp/UpdateNotices.h>
-#include <DiaryApp/Updates.h>
 #include <DiaryKit/UserDirectories.h>
 #include <DiaryKit/VaultLocation.h>
 
@@ -533,20 +532,22 @@ void SettingsWindowController::checkForUpdates() {
     setUpdateStatus(L("Checking…"));
     const auto finish = [self = QPointer(this), hadKeyboard,
                          focused = QPointer(m_window->focusWidget())](const Updates::CheckResult &result) {
-        if (!self)
-            return;
-        const auto *updates = self->m_services.updates;
-        self->m_isChecking = false;
-        self->m_updateCheckButton->setEnabled(true);
-        // Unless the user has moved it on meanwhile.
-        if (hadKeyboard && self->m_window->focusWidget() == focused)
-            self->m_updateCheckButton->setFocus(Qt::OtherFocusReason);
-        self->setUpdateStatus(UpdateNotices::status(result, updates && updates->isSupported()));
+        if (self)
+            self->finishCheck(result, hadKeyboard && self->m_window->focusWidget() == focused);
     };
     if (m_services.updates)
         m_services.updates->runCheck(finish);
     else
         finish(Updates::Failed{});
+}
+
+void SettingsWindowController::finishCheck(const Updates::CheckResult &result, bool givesKeyboardBack) {
+    m_isChecking = false;
+    m_updateCheckButton->setEnabled(true);
+    // Unless the user has moved it on meanwhile.
+    if (givesKeyboardBack)
+        m_updateCheckButton->setFocus(Qt::OtherFocusReason);
+    setUpdateStatus(UpdateNotices::status(result, m_services.updates && m_services.updates->isSupported()));
 }
 
 void SettingsWindowController::sendFeedback() {

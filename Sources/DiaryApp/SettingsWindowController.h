@@ -3,6 +3,7 @@
 
 #include <DiaryApp/FolderChooser.h>
 #include <DiaryApp/PhotoSource.h>
+#include <DiaryApp/Updates.h>
 #include <DiaryKit/Executor.h>
 
 #include <QObject>
@@ -27,7 +28,6 @@ class SettingsButton;
 class SettingsCard;
 class SettingsMenu;
 class ThemeLabel;
-class Updates;
 class VaultMove;
 
 // The small window in which the preferences are changed. Every control writes at once, and says so through a
@@ -102,6 +102,7 @@ private:
     void setPhotoFolders(const std::vector<std::filesystem::path> &folders);
 
     void checkForUpdates();
+    void finishCheck(const Updates::CheckResult &result, bool givesKeyboardBack);
     void sendFeedback();
 
     Settings &m_settings;
