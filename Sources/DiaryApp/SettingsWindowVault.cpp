@@ -3,11 +3,18 @@
 // The part of SettingsWindowController that puts the diary elsewhere.
 
 #include <DiaryApp/Alert.h>
+#include <DiaryApp/CloudDriveName.h>
+#include <DiaryApp/ElidedLabel.h>
 #include <DiaryApp/FolderChooser.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/Settings.h>
+#include <DiaryApp/SettingsCard.h>
+#include <DiaryApp/SettingsControls.h>
+#include <DiaryApp/SettingsParts.h>
 #include <DiaryApp/SettingsWindowController.h>
 #include <DiaryApp/Text.h>
+#include <DiaryApp/Theme.h>
+#include <DiaryApp/ThemeLabel.h>
 #include <DiaryKit/LinuxCloudFiles.h>
 #include <DiaryKit/VaultLocation.h>
 #include <DiaryKit/VaultMove.h>
@@ -20,6 +27,36 @@
 namespace diary {
 
 namespace fs = std::filesystem;
+
+SettingsCard *SettingsWindowController::vaultCard() {
+    auto *card = named(new SettingsCard(L("Diary Folder"), settingsCardWidth), "vaultCard");
+    auto *path = named(pathLabel(vault()), "vaultPath");
+    path->setToolTip(pathToQString(vault()).toHtmlEscaped());
+
+    auto *choose = named(new SettingsButton(L("Choose…")), "chooseVault");
+    describe(choose, L("Choose the Diary Folder"));
+    connect(choose, &QPushButton::clicked, this, &SettingsWindowController::chooseVault);
+
+    auto *cloud = named(new SettingsButton(cloudDriveName()), "useCloudVault");
+    const auto cloudVault = VaultLocation::cloudVault();
+    if (cloudVault)
+        describe(cloud, abbreviatingHome(*cloudVault));
+    connect(cloud, &QPushButton::clicked, this, &SettingsWindowController::useCloudVault);
+
+    auto *reset = named(new SettingsButton(L("Reset to Default")), "resetVault");
+    describe(reset, abbreviatingHome(VaultLocation::defaultVault()));
+    connect(reset, &QPushButton::clicked, this, &SettingsWindowController::resetVault);
+
+    choose->setEnabled(!m_copying);
+    cloud->setEnabled(!m_copying && cloudVault);
+    reset->setEnabled(!m_copying && m_settings.vaultPath());
+
+    auto *hint = named(
+        wrappingLabel(m_copying ? L("Copying the diary…") : L("VaultHint"), Theme::statLabel()), "vaultHint");
+    card->addRow(L("Vault Location"), stacked({path, inARow(settingsSpacing, {choose, cloud, reset}), hint}),
+                 choose);
+    return card;
+}
 
 fs::path SettingsWindowController::vault() const {
     return m_settings.vaultPath().value_or(VaultLocation::defaultVault());
