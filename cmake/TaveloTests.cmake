@@ -40,7 +40,9 @@ function(tavelo_add_tests name)
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  # By the names that the tests give their values: the values themselves may hold addresses.
+  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT
+                       ${ARG_TIMEOUT})
   # Discovery would take a property that is a list apart, so these are set by a script that runs after it.
   set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}Properties.cmake)
   file(GENERATE OUTPUT ${script} CONTENT
