@@ -494,7 +494,7 @@ void UpdateChecker::installPendingUpdate() {
 }
 
 std::optional<UpdateStaging::Outcome> UpdateChecker::takeOutcome() {
-    const auto outcome = m_state->staging().takeOutcome();
+    auto outcome = m_state->staging().takeOutcome();
     if (outcome && !outcome->reason.empty())
         qWarning("The update to %s was not installed: %s", outcome->version.c_str(), outcome->reason.c_str());
     return outcome;

@@ -348,7 +348,8 @@ void YearRailView::showAllCards() {
 YearRailView::Model YearRailView::inSight(Model model) const {
     // No card is lower than one without texts.
     const int leastHeight = layoutYearCard({}, 0).height + cardSpacing;
-    const auto most = static_cast<std::size_t>(m_scrollView->height() / leastHeight + 1);
+    const auto most =
+        1 + static_cast<std::size_t>(m_scrollView->height()) / static_cast<std::size_t>(leastHeight);
     if (model.cards.size() > most) {
         model.cards.resize(most);
         model.addYears.clear(); // below them
