@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <map>
 #include <optional>
 #include <set>
@@ -22,6 +23,7 @@
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/mount.h>
@@ -84,11 +86,17 @@ protected:
 
     // Takes the file away until 2 milliseconds later.
     [[nodiscard]] std::jthread fileMissingForAMoment() const {
-        fs::rename(m_folder / dayFile, m_folder / "away");
-        return std::jthread([this] {
+        std::promise<void> isAway;
+        const auto untilAway = isAway.get_future();
+        // The thread runs already when the file goes: to begin one takes long on a busy machine.
+        std::jthread other([this, isAway = std::move(isAway)]() mutable {
+            fs::rename(m_folder / dayFile, m_folder / "away");
+            isAway.set_value();
             std::this_thread::sleep_for(milliseconds{2});
             fs::rename(m_folder / "away", m_folder / dayFile);
         });
+        untilAway.wait();
+        return other;
     }
 
     Bodies savedBodies() const { return bodiesOf(m_folder.read(dayFile)); }
