@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The diary as it starts, left as soon as it is shown. With the argument "alone" it has no photos and no
-// updates.
+// The diary as it starts, left as soon as its window is shown, or with the argument "day" as soon as the day
+// is. With the argument "alone" it is left likewise, and has no photos and no updates.
 
 #include "FirstPaint.h"
 
@@ -16,6 +16,7 @@
 #include <DiaryApp/UpdateModule.h>
 
 #include <QApplication>
+#include <QTimer>
 
 #include <optional>
 #include <string_view>
@@ -24,12 +25,14 @@
 int main(int argc, char *argv[]) {
     const diary::ApplicationStart start;
     const QApplication application(argc, argv);
-    const diary::benchmarks::ExitAfterFirstPaint exit;
+    const std::string_view argument = argc > 1 ? argv[1] : "";
+    const diary::benchmarks::ExitAfterFirstPaint exit(argument.empty() ? QString()
+                                                                       : QStringLiteral("entryView"));
     diary::SystemClock clock;
     diary::DesktopFileManager fileManager;
     diary::AppServices services;
     std::optional<diary::UpdateChecker> updates;
-    if (argc == 1 || std::string_view(argv[1]) != "alone") {
+    if (argument != "alone") {
         updates.emplace(clock, diary::Settings::shared(), diary::UpdateModule::parts(),
                         diary::UpdateChecker::surroundings());
         services.updates = &*updates;
@@ -37,6 +40,6 @@ int main(int argc, char *argv[]) {
                                                    diary::PhotoModule::userFolders());
     }
     diary::AppDelegate delegate(clock, fileManager, std::move(services));
-    QTimer::singleShot(0, &delegate, [&delegate] { delegate.applicationDidFinishLaunching(); });
+    QTimer::singleShot(0, &delegate, [&delegate] { delegate.launch(); });
     return QApplication::exec();
 }

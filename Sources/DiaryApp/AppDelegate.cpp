@@ -2,6 +2,7 @@
 #include <DiaryApp/AboutBox.h>
 #include <DiaryApp/Alert.h>
 #include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/BlankWindow.h>
 #include <DiaryApp/CloudDriveName.h>
 #include <DiaryApp/DayPhotoLibrary.h>
 #include <DiaryApp/DebugScenario.h>
@@ -9,6 +10,7 @@
 #include <DiaryApp/FeedbackMail.h>
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/FolderChooser.h>
+#include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainMenu.h>
 #include <DiaryApp/MainWindowController.h>
@@ -105,9 +107,37 @@ std::unique_ptr<DiaryStore> AppDelegate::makeStore(Executor &executor) {
     return std::make_unique<DiaryStore>(chosenVault(), std::move(options));
 }
 
-void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
+void AppDelegate::prepareAppearance() {
     QApplication::setPalette(Theme::palette());
     Theme::setInterfaceLanguage(Localization::bundle().language());
+}
+
+void AppDelegate::launch(LaunchAction action) {
+    prepareAppearance();
+    if (isDebugScenario())
+        applicationDidFinishLaunching(action);
+    else if (claimVault(action))
+        showBlankWindow(action);
+    else
+        QCoreApplication::exit();
+}
+
+void AppDelegate::showBlankWindow(LaunchAction action) {
+    m_fontFamilies = std::make_unique<FontConfiguration::EarlyListing>();
+    const auto today = toQString(m_clock.today().monthDay().fileName());
+    m_blankWindow = std::make_unique<BlankWindow>(MainWindowController::windowTitle(today), m_clock);
+    m_blankWindow->onWaiting = [this] { makeFirstMainWindow(); };
+    m_blankWindow->onReady = [this, action] { applicationDidFinishLaunching(action); };
+    m_blankWindow->show();
+}
+
+void AppDelegate::makeFirstMainWindow() {
+    if (!m_mainWindowController)
+        m_mainWindowController = makeMainWindow(m_blankWindow ? m_blankWindow->take() : nullptr);
+}
+
+void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
+    prepareAppearance();
     // A scripted run writes what it is told to and takes a picture; it may look at a vault in use.
     if (!isDebugScenario() && !claimVault(action)) {
         QCoreApplication::exit();
@@ -115,21 +145,39 @@ void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
     }
 
     m_terminationSignals = std::make_unique<TerminationSignals>([this] { terminate(); });
-    m_mainWindowController = makeMainWindow();
-    if (!isDebugScenario()) {
-        WindowFrame::restore(*m_mainWindowController->window());
+    makeFirstMainWindow();
+    const auto blankWindow = std::exchange(m_blankWindow, nullptr);
+    if (!isDebugScenario())
         m_mainWindowController->onFirstPainted = [this] {
             if (onFirstPainted)
                 onFirstPainted();
         };
-    }
-    showMainWindow();
+    if (blankWindow)
+        fill(*blankWindow);
+    else
+        showMainWindow();
     perform(action);
+    for (const auto &request : std::exchange(m_postponedLaunches, {}))
+        answerLaunch(request);
     if (isDebugScenario())
         runDebugScenario(*this);
     observeUpdates();
     tellOfRescuedTexts();
     maybeShowOnboarding();
+    if (blankWindow)
+        blankWindow->catchUp(m_mainWindowController->textView(), *m_mainWindowController->window());
+}
+
+// The window stays where the user has it by now.
+void AppDelegate::fill(const BlankWindow &blankWindow) {
+    auto *window = m_mainWindowController->window();
+    m_mainWindowController->showWindow();
+    if (!window->isActiveWindow() && !window->isMinimized()) {
+        window->raise();
+        window->activateWindow();
+    }
+    if (!blankWindow.hasRememberedFrame())
+        m_mainWindowController->takeInitialSize();
 }
 
 // False when another process has the vault's window and was asked to show it.
@@ -153,6 +201,10 @@ bool AppDelegate::claimVault(LaunchAction action) {
 }
 
 void AppDelegate::answerLaunch(const LaunchRequest &request) {
+    if (m_blankWindow) {
+        m_postponedLaunches.push_back(request);
+        return;
+    }
     if (!m_mainWindowController)
         return;
     qputenv("XDG_ACTIVATION_TOKEN", request.activationToken);
@@ -173,7 +225,7 @@ void AppDelegate::perform(LaunchAction action) {
     }
 }
 
-std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
+std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow(std::unique_ptr<QMainWindow> window) {
     MenuActions actions;
     actions.showSettings = [this] { showSettings(); };
     actions.checkForUpdates = [this] { checkForUpdates(); };
@@ -188,7 +240,8 @@ std::unique_ptr<MainWindowController> AppDelegate::makeMainWindow() {
     auto controller = std::make_unique<MainWindowController>(
         std::move(store), m_clock, m_fileManager, std::move(actions),
         std::make_unique<DayPhotoLibrary>(m_services.photos.get(), m_photoQueue.get()),
-        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, m_services.photos.get()));
+        std::make_unique<PhotoPreviewController>(m_fileManager, *m_executor, m_services.photos.get()),
+        std::move(window));
     if (journal)
         controller->session().keepJournal(*journal);
     controller->onClose = [this, window = controller.get()] {

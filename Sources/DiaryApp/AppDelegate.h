@@ -2,6 +2,7 @@
 #pragma once
 
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/FontConfiguration.h>
 #include <DiaryApp/LaunchRequest.h>
 #include <DiaryApp/PhotoSource.h>
 
@@ -14,8 +15,11 @@
 #include <optional>
 #include <vector>
 
+class QMainWindow;
+
 namespace diary {
 
+class BlankWindow;
 class DiaryStore;
 class Executor;
 class FileManager;
@@ -45,15 +49,20 @@ public:
     AppDelegate(Clock &clock, FileManager &fileManager, AppServices services = {});
     ~AppDelegate() override;
 
+    // What main() begins with: shows the window blank, and fills it after its first picture by
+    // applicationDidFinishLaunching. A scripted run has no blank window.
+    void launch(LaunchAction action = LaunchAction::Show);
+
     // When another process shows the same vault already, its window comes to the front, does what this launch
     // was to do, and this process ends.
     void applicationDidFinishLaunching(LaunchAction action = LaunchAction::Show);
 
-    // What another launch asks for: the window in front, on the page or with the window that it wants.
+    // What another launch asks for: the window in front, on the page or with the window that it wants. While
+    // the window is still blank, as soon as it is filled.
     void answerLaunch(const LaunchRequest &request);
 
-    // Once, after the first window has been painted; never in a scripted run. For what would make the start
-    // slower.
+    // Once, after the first window has been painted with the diary in it; never in a scripted run. For what
+    // would make the start slower.
     std::function<void()> onFirstPainted;
 
     // Over the folder that DIARY_ROOT, the settings or the default rule name.
@@ -87,9 +96,13 @@ public:
 
 private:
     void applicationStateChanged(Qt::ApplicationState state);
+    static void prepareAppearance();
     bool claimVault(LaunchAction action = LaunchAction::Show);
+    void showBlankWindow(LaunchAction action);
+    void makeFirstMainWindow();
+    void fill(const BlankWindow &blankWindow);
     void perform(LaunchAction action);
-    std::unique_ptr<MainWindowController> makeMainWindow();
+    std::unique_ptr<MainWindowController> makeMainWindow(std::unique_ptr<QMainWindow> window = nullptr);
     void showMainWindow();
     void observeUpdates();
     void keepSettingsInFront();
@@ -106,6 +119,9 @@ private:
     std::unique_ptr<QtExecutor> m_executor;
     std::optional<std::filesystem::path> m_claimedVault;
     std::unique_ptr<VaultClaim> m_claim;
+    std::unique_ptr<FontConfiguration::EarlyListing> m_fontFamilies;
+    std::unique_ptr<BlankWindow> m_blankWindow; // until the main window takes its place
+    std::vector<LaunchRequest> m_postponedLaunches;
     std::unique_ptr<MainWindowController> m_mainWindowController;
     // Closed, and soon gone.
     std::vector<std::unique_ptr<MainWindowController>> m_retired;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/FontConfiguration.h>
 
+#include <QFontDatabase>
 #include <QHash>
 
 #include <future>
@@ -73,6 +74,7 @@ public:
     ~Reading() { m_thread.join(); }
 
     void wait() const { m_isRead.wait(); }
+    std::shared_future<void> isRead() const { return m_isRead; }
 
     // What it found out by the way. Only once, as the configuration may be another one later.
     QString takeFamily(const QString &alias) {
@@ -93,7 +95,7 @@ private:
         families.set_value(std::move(found));
     }
 
-    std::future<void> m_isRead;
+    std::shared_future<void> m_isRead;
     std::future<Families> m_families;
     Families m_known;
     std::thread m_thread;
@@ -112,6 +114,21 @@ EarlyReading::EarlyReading() {
 
 EarlyReading::~EarlyReading() {
     earlyReading().reset();
+}
+
+EarlyListing::EarlyListing() {
+    std::shared_future<void> isRead;
+    if (earlyReading())
+        isRead = earlyReading()->isRead();
+    m_thread = std::thread([isRead = std::move(isRead)] {
+        if (isRead.valid())
+            isRead.wait();
+        QFontDatabase::families();
+    });
+}
+
+EarlyListing::~EarlyListing() {
+    m_thread.join();
 }
 
 void waitUntilRead() {

@@ -10,6 +10,7 @@
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/MainWindowLayout.h>
 #include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/SearchWindowController.h>
@@ -24,7 +25,7 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QMainWindow>
+#include <QLayout>
 #include <QMenuBar>
 #include <QPointer>
 #include <QScrollArea>
@@ -35,26 +36,6 @@
 #include <utility>
 
 namespace diary {
-
-namespace {
-
-constexpr QSize initialContentSize{1360, 840};
-constexpr QSize minimumContentSize{1080, 620};
-
-} // namespace
-
-MainWindowLayout layoutMainWindow(QSize contentView) {
-    using Layout = MainWindowLayout;
-    const int middleHeight = contentView.height() - Layout::topBarHeight - Layout::statusBarHeight;
-    const int railX = contentView.width() - Layout::yearRailWidth;
-    const auto column = [&](int x, int width) { return QRect(x, Layout::topBarHeight, width, middleHeight); };
-    return {.topBar = {0, 0, contentView.width(), Layout::topBarHeight},
-            .sidebar = column(0, Layout::sidebarWidth),
-            .entryView = column(Layout::sidebarWidth, railX - Layout::sidebarWidth),
-            .yearRail = column(railX, Layout::yearRailWidth),
-            .statusBar = {0, contentView.height() - Layout::statusBarHeight, contentView.width(),
-                          Layout::statusBarHeight}};
-}
 
 class MainWindowController::ContentView : public QWidget {
 public:
@@ -71,13 +52,14 @@ protected:
 MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock,
                                            FileManager &fileManager, MenuActions programActions,
                                            std::unique_ptr<DayPhotoLibrary> photoLibrary,
-
-                                           std::unique_ptr<PhotoPreviewController> photoPreview)
+                                           std::unique_ptr<PhotoPreviewController> photoPreview,
+                                           std::unique_ptr<QMainWindow> window)
     : m_clock(clock),
       m_fileManager(fileManager),
       m_programActions(std::move(programActions)),
       m_store(std::move(store)),
       m_session(std::make_unique<EditingSession>(*m_store, clock)),
+      m_window(std::move(window)),
       m_photoLibrary(photoLibrary ? std::move(photoLibrary) : std::make_unique<DayPhotoLibrary>()),
       m_galleryDebounce(clock.makeTimer([this] { fetchGallery(); })),
       m_photoPreview(std::move(photoPreview)),
@@ -87,19 +69,23 @@ MainWindowController::MainWindowController(std::unique_ptr<DiaryStore> store, Cl
     m_session->onMergedConflicts = [&hasMergedConflicts] { hasMergedConflicts = true; };
     m_session->openToday();
     QApplication::setFont(Theme::application());
-    m_window = std::make_unique<QMainWindow>();
-    buildWindow(clock);
+    buildViews(clock);
     wireCallbacks();
-    buildMenu(m_programActions);
     connectSession();
-    render(EditingSession::allParts());
-    m_session->onShowFromTop();
+    if (!m_window) {
+        m_window = std::make_unique<QMainWindow>();
+        fillWindow();
+    }
     if (hasMergedConflicts)
         m_session->onMergedConflicts();
 }
 
 MainWindowController::~MainWindowController() {
     m_window->removeEventFilter(this);
+}
+
+QString MainWindowController::windowTitle(const QString &fileName) {
+    return fileName + QStringLiteral("[*]");
 }
 
 QWidget *MainWindowController::contentView() const {
@@ -110,8 +96,9 @@ GrowingTextView *MainWindowController::textView() const {
     return m_entryView->textView();
 }
 
-void MainWindowController::buildWindow(Clock &clock) {
-    m_contentView = new ContentView;
+void MainWindowController::buildViews(Clock &clock) {
+    m_unplacedContent = std::make_unique<ContentView>();
+    m_contentView = m_unplacedContent.get();
     m_contentView->setObjectName(QStringLiteral("contentView"));
     const auto add = [this](auto *view, const char *name) {
         view->setParent(m_contentView);
@@ -133,10 +120,20 @@ void MainWindowController::buildWindow(Clock &clock) {
         m_statusBar->setGeometry(layout.statusBar);
     };
 
+    m_contentView->setMinimumSize(MainWindowLayout::minimumSize);
+}
+
+void MainWindowController::fillWindow() {
+    const bool isNew = !m_window->isVisible();
     m_window->setObjectName(QStringLiteral("DiaryMainWindow"));
-    m_contentView->setMinimumSize(minimumContentSize);
-    m_window->setCentralWidget(m_contentView);
+    m_window->setCentralWidget(m_unplacedContent.release());
     m_window->installEventFilter(this);
+    buildMenu(m_programActions);
+    if (isNew)
+        takeInitialSize();
+    layOutContent();
+    render(EditingSession::allParts());
+    m_session->onShowFromTop();
 }
 
 void MainWindowController::wireCallbacks() {
@@ -173,13 +170,23 @@ void MainWindowController::buildMenu(MenuActions actions) {
     actions.showYearOverview = [this] { showYearOverview(); };
     actions.minimize = [window] { window->showMinimized(); };
     actions.zoom = [window] { window->isMaximized() ? window->showNormal() : window->showMaximized(); };
-    auto *menuBar = MainMenuBuilder::build(actions, window);
-    window->setMenuBar(menuBar);
-    // The measures are of the content view; the menu bar comes on top.
-    window->resize(initialContentSize + QSize(0, menuBar->sizeHint().height()));
-    // Known before the window is shown, so that the first texts are laid out once, at their size.
-    m_contentView->resize(initialContentSize);
-    m_contentView->onLayout(layoutMainWindow(initialContentSize));
+    window->setMenuBar(MainMenuBuilder::build(actions, window));
+}
+
+void MainWindowController::takeInitialSize() {
+    m_window->resize(MainWindowLayout::initialSize + menuBarHeight());
+}
+
+// The measures are of the content view; the menu bar comes on top.
+QSize MainWindowController::menuBarHeight() const {
+    return {0, m_window->menuBar()->sizeHint().height()};
+}
+
+// Known before it is shown, so that the first texts are laid out once, at their size.
+void MainWindowController::layOutContent() {
+    const QSize size = m_window->size() - menuBarHeight();
+    m_contentView->resize(size);
+    m_contentView->onLayout(layoutMainWindow(size));
 }
 
 void MainWindowController::connectSession() {
@@ -196,7 +203,13 @@ void MainWindowController::connectSession() {
 }
 
 void MainWindowController::showWindow() {
+    if (m_unplacedContent)
+        fillWindow();
     m_window->show();
+    // Where the window is shown already, what was put into it is not yet.
+    m_window->layout()->activate();
+    m_window->menuBar()->show();
+    m_contentView->show();
     m_entryView->takeKeyboard();
 }
 
@@ -433,7 +446,7 @@ void MainWindowController::requestStatistics() {
 void MainWindowController::renderTopBar() {
     const auto model = DayModels::topBar(DayState::of(*m_session));
     m_topBar->update(model);
-    m_window->setWindowTitle(model.fileName + QStringLiteral("[*]"));
+    m_window->setWindowTitle(windowTitle(model.fileName));
 }
 
 void MainWindowController::renderStatus() {

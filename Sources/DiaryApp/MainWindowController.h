@@ -7,9 +7,8 @@
 #include <DiaryApp/MainMenu.h>
 #include <DiaryKit/VaultObserver.h>
 
+#include <QMainWindow>
 #include <QObject>
-#include <QRect>
-#include <QSize>
 
 #include <chrono>
 #include <cstddef>
@@ -20,7 +19,7 @@
 #include <vector>
 
 class QEvent;
-class QMainWindow;
+class QSize;
 class QWidget;
 
 namespace diary {
@@ -37,22 +36,6 @@ class TopBarView;
 class YearOverviewController;
 class YearRailView;
 
-// Where the five views stand in the content view.
-struct MainWindowLayout {
-    static constexpr int topBarHeight = 46;
-    static constexpr int statusBarHeight = 27;
-    static constexpr int sidebarWidth = 236;
-    static constexpr int yearRailWidth = 272;
-
-    QRect topBar;
-    QRect sidebar;
-    QRect entryView;
-    QRect yearRail;
-    QRect statusBar;
-};
-
-MainWindowLayout layoutMainWindow(QSize contentView);
-
 // The one main window: shows the editing session and hands the user's wishes to it. Main thread only; the
 // clock and the file manager must outlive it.
 class MainWindowController : public QObject {
@@ -64,12 +47,17 @@ public:
 
     // Opens today on the store. The actions are those that concern the whole program; the window adds its own
     // and has them all in its menu. Without a library there are no photos but scripted ones; without a
-    // preview they are not shown large.
+    // preview they are not shown large. The window may be given, shown already;
+    // it is filled by showWindow(), and keeps its size.
     MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock, FileManager &fileManager,
                          MenuActions programActions = {},
                          std::unique_ptr<DayPhotoLibrary> photoLibrary = nullptr,
-                         std::unique_ptr<PhotoPreviewController> photoPreview = nullptr);
+                         std::unique_ptr<PhotoPreviewController> photoPreview = nullptr,
+                         std::unique_ptr<QMainWindow> window = nullptr);
     ~MainWindowController() override;
+
+    // For a day's file of that name, with the place of Qt's mark for what is not saved.
+    static QString windowTitle(const QString &fileName);
 
     EditingSession &session() { return *m_session; }
     DiaryStore &store() { return *m_store; }
@@ -80,6 +68,9 @@ public:
     // None where there is nothing to edit.
     GrowingTextView *textView() const;
 
+    // For a window that was given and has none of its own.
+    void takeInitialSize();
+
     void showWindow();
     // Shown again in front of the other windows, where the desktop allows it.
     void bringToFront();
@@ -87,7 +78,7 @@ public:
     // The user is back, and other programs may have changed the vault meanwhile.
     void lookAgain();
 
-    // Once, after the window's first picture.
+    // Once, after the window's first picture with the diary in it.
     std::function<void()> onFirstPainted;
 
     // The user closed the window. The session is saved, as far as it could be.
@@ -128,9 +119,12 @@ public:
 private:
     class ContentView;
 
-    void buildWindow(Clock &clock);
+    void buildViews(Clock &clock);
     void wireCallbacks();
     void buildMenu(MenuActions actions);
+    QSize menuBarHeight() const;
+    void layOutContent();
+    void fillWindow();
     void connectSession();
     void showSaveError(const QString &systemText);
     void catchUpAfterFirstPainted();
@@ -152,6 +146,7 @@ private:
     std::unique_ptr<DiaryStore> m_store;
     std::unique_ptr<EditingSession> m_session;
     std::unique_ptr<QMainWindow> m_window;
+    std::unique_ptr<ContentView> m_unplacedContent; // until it is put into the window
     ContentView *m_contentView = nullptr;
     TopBarView *m_topBar = nullptr;
     SidebarView *m_sidebar = nullptr;
@@ -161,7 +156,7 @@ private:
     // What the last look at the whole vault told; none before the first.
     std::optional<DiaryStore::ArchiveSnapshot> m_statistics;
     enum class StatisticsRequest {
-        NotYet, // the first picture of the window comes first
+        NotYet, // the first picture comes first
         None,
         UnderWay,
         UnderWayAndAgain,

@@ -95,8 +95,7 @@ int openDiary(int argc, char **argv, diary::SelfTest *selfTest) {
     };
     if (selfTest)
         QTimer::singleShot(longestSelfTest, &application, [] { QCoreApplication::exit(1); });
-    QTimer::singleShot(0, &delegate,
-                       [&delegate, action = line.action] { delegate.applicationDidFinishLaunching(action); });
+    QTimer::singleShot(0, &delegate, [&delegate, action = line.action] { delegate.launch(action); });
     return QApplication::exec();
 }
 

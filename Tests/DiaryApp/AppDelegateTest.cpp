@@ -8,6 +8,7 @@
 #include "Support/TemporaryFolder.h"
 
 #include <DiaryApp/AppDelegate.h>
+#include <DiaryApp/BlankWindow.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/Localization.h>
 #include <DiaryApp/MainWindowController.h>
@@ -334,6 +335,138 @@ TEST_F(RunningAppDelegateTest, tellsOnceThatTheFirstWindowIsPainted) {
     EXPECT_EQ(times, 1);
 }
 
+// The start with a blank window
+
+class BlankStartTest : public RunningAppDelegateTest {
+protected:
+    void launch(LaunchAction action = LaunchAction::Show) {
+        makeDelegate();
+        delegate->launch(action);
+    }
+    static QMainWindow *shownWindow() {
+        for (auto *window : QApplication::topLevelWidgets()) {
+            if (auto *mainWindow = qobject_cast<QMainWindow *>(window); mainWindow && window->isVisible())
+                return mainWindow;
+        }
+        return nullptr;
+    }
+    bool isFilled() const {
+        const auto *controller = delegate->mainWindowController();
+        return controller && controller->contentView()->isVisible();
+    }
+    bool getsFilled() const {
+        return QTest::qWaitFor([this] { return isFilled(); });
+    }
+};
+
+TEST_F(BlankStartTest, showsItsWindowBeforeTheDiaryIsInIt) {
+    launch();
+    auto *window = shownWindow();
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("03-14.md[*]"));
+    EXPECT_EQ(delegate->mainWindowController(), nullptr);
+    ASSERT_TRUE(getsFilled());
+    EXPECT_EQ(delegate->mainWindowController()->window(), window);
+    EXPECT_EQ(window->size() - QSize(0, window->menuBar()->height()), QSize(1360, 840));
+    type("Saved");
+    delegate->applicationShouldTerminate();
+    EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nSaved\n");
+}
+
+TEST_F(BlankStartTest, makesTheDiaryWhileTheDesktopTakesItsTimeForTheWindow) {
+    launch();
+    clock.advance(BlankWindow::usualWait);
+    ASSERT_NE(delegate->mainWindowController(), nullptr);
+    EXPECT_FALSE(isFilled());
+    emit qApp->applicationStateChanged(Qt::ApplicationActive);
+    EXPECT_TRUE(getsFilled());
+    EXPECT_EQ(shownWindow(), delegate->mainWindowController()->window());
+}
+
+TEST_F(BlankStartTest, fillsItsWindowAlsoWhereItHasNoPicture) {
+    launch();
+    clock.advance(BlankWindow::usualWait + BlankWindow::longestWait);
+    EXPECT_TRUE(isFilled());
+}
+
+TEST_F(BlankStartTest, standsWhereItWasLeft) {
+    launch();
+    ASSERT_TRUE(getsFilled());
+    delegate->mainWindowController()->window()->setGeometry(30, 40, 1200, 700);
+    EXPECT_EQ(runUntilEndedBy([this] { delegate->terminate(); }), 0);
+    delegate.reset();
+    launch();
+    EXPECT_EQ(shownWindow()->geometry(), QRect(30, 40, 1200, 700));
+    ASSERT_TRUE(getsFilled());
+    EXPECT_EQ(shownWindow()->geometry(), QRect(30, 40, 1200, 700));
+}
+
+TEST_F(BlankStartTest, doesWhatItIsLaunchedForWhenItIsFilled) {
+    folder.write("vault/01-02.md", "# 01-02\n");
+    launch(LaunchAction::Search);
+    const auto isSearching = [] {
+        const auto windows = QApplication::topLevelWidgets();
+        return std::any_of(windows.begin(), windows.end(), [](const QWidget *window) {
+            return window->isVisible() && window->objectName() == QLatin1String("DiarySearchWindow");
+        });
+    };
+    EXPECT_FALSE(isSearching());
+    ASSERT_TRUE(getsFilled());
+    EXPECT_TRUE(isSearching());
+}
+
+TEST_F(BlankStartTest, answersAnotherLaunchWhenItIsFilled) {
+    launch();
+    clock.advance(BlankWindow::usualWait);
+    delegate->mainWindowController()->session().open({5, 6});
+    delegate->answerLaunch({.action = LaunchAction::Today, .activationToken = {}});
+    EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{5, 6}));
+    ASSERT_TRUE(getsFilled());
+    EXPECT_EQ(delegate->mainWindowController()->session().currentMonthDay(), (MonthDay{3, 14}));
+}
+
+TEST_F(BlankStartTest, losesNoKeyThatIsPressedBeforeItIsFilled) {
+    launch();
+    QTest::keyClicks(shownWindow(), QStringLiteral("Be"));
+    clock.advance(BlankWindow::usualWait);
+    QTest::keyClicks(shownWindow(), QStringLiteral("fore"));
+    ASSERT_TRUE(getsFilled());
+    type(" and after");
+    delegate->applicationShouldTerminate();
+    EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nBefore and after\n");
+}
+
+TEST_F(BlankStartTest, endsWithTheTextSavedWhenItIsClosedBeforeItIsFilled) {
+    launch();
+    QTest::keyClicks(shownWindow(), QStringLiteral("Last words"));
+    EXPECT_EQ(runUntilEndedBy([] { shownWindow()->close(); }), 0);
+    EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nLast words\n");
+}
+
+TEST_F(BlankStartTest, staysMinimizedWhenItIsMinimizedBeforeItIsFilled) {
+    launch();
+    auto *window = shownWindow();
+    window->showMinimized();
+    clock.advance(BlankWindow::usualWait + BlankWindow::longestWait);
+    EXPECT_TRUE(isFilled());
+    EXPECT_TRUE(window->isMinimized());
+}
+
+TEST_F(BlankStartTest, hasNoBlankWindowInAScriptedRun) {
+    const ScopedEnvironment scripted("DIARY_SCREENSHOT", folder / "page.png");
+    launch();
+    EXPECT_TRUE(isFilled());
+}
+
+TEST_F(BlankStartTest, showsNothingWhenAnotherProcessShowsTheVault) {
+    const auto claim = VaultClaim::take(folder / "vault");
+    int knocks = 0;
+    claim->onKnock = [&](const LaunchRequest &) { ++knocks; };
+    launch();
+    EXPECT_EQ(shownWindow(), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return knocks == 1; }));
+}
+
 TEST_F(RunningAppDelegateTest, handsItsActionToTheProcessThatShowsTheVault) {
     const auto claim = VaultClaim::take(folder / "vault");
     std::vector<LaunchAction> actions;
@@ -351,15 +484,6 @@ TEST_F(RunningAppDelegateTest, endsAtOnceWhenAnotherProcessShowsTheVault) {
     start();
     EXPECT_EQ(delegate->mainWindowController(), nullptr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return knocks == 1; }));
-}
-
-TEST_F(RunningAppDelegateTest, remembersTheFrameOfItsWindow) {
-    start();
-    delegate->mainWindowController()->window()->setGeometry(30, 40, 1200, 700);
-    EXPECT_EQ(runUntilEndedBy([this] { delegate->terminate(); }), 0);
-    delegate.reset();
-    start();
-    EXPECT_EQ(delegate->mainWindowController()->window()->geometry(), QRect(30, 40, 1200, 700));
 }
 
 TEST_F(RunningAppDelegateTest, tellsOnceWhereTheTextsAreThatWereRescued) {

@@ -36,6 +36,19 @@ TEST(FontConfiguration, meansTheSameWhenItIsReadEarly) {
     }
 }
 
+TEST(FontConfiguration, listsTheSameFamiliesOnAThread) {
+    const auto families = QFontDatabase::families();
+    {
+        const FontConfiguration::EarlyReading reading;
+        const FontConfiguration::EarlyListing listing;
+        EXPECT_EQ(QFontDatabase::families(), families);
+    }
+    // Where nothing is being read.
+    const FontConfiguration::EarlyListing listing;
+    EXPECT_EQ(QFontDatabase::families(), families);
+    EXPECT_FALSE(families.isEmpty());
+}
+
 TEST(FontConfiguration, waitsForNothingWhereNothingIsRead) {
     FontConfiguration::waitUntilRead();
     const FontConfiguration::EarlyReading unused;

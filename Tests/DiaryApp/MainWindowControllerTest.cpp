@@ -11,6 +11,7 @@
 #include <DiaryApp/EntryView.h>
 #include <DiaryApp/GrowingTextView.h>
 #include <DiaryApp/MainWindowController.h>
+#include <DiaryApp/MainWindowLayout.h>
 #include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/PhotoPreviewController.h>
 #include <DiaryApp/PhotoPreviewPanel.h>
@@ -24,7 +25,9 @@
 #include <QImage>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -65,13 +68,13 @@ protected:
         QApplication::setCursorFlashTime(0);
     }
 
-    void show() {
+    void show(std::unique_ptr<QMainWindow> given = nullptr) {
         MenuActions programActions;
         programActions.quit = [this] { ++quits; };
         controller = std::make_unique<MainWindowController>(
             std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
             fileManager, std::move(programActions), std::move(photoLibrary),
-            std::make_unique<PhotoPreviewController>(fileManager, executor, nullptr));
+            std::make_unique<PhotoPreviewController>(fileManager, executor, nullptr), std::move(given));
         controller->showWindow();
         controller->window()->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(controller->window()));
@@ -297,20 +300,55 @@ TEST_F(MainWindowControllerTest, tellsYearLengthAndFile) {
 }
 
 TEST_F(MainWindowControllerTest, standsItsViewsAroundThePage) {
-    const auto layout = layoutMainWindow({1360, 840});
-    EXPECT_EQ(layout.topBar, QRect(0, 0, 1360, 46));
-    EXPECT_EQ(layout.sidebar, QRect(0, 46, 236, 767));
-    EXPECT_EQ(layout.entryView, QRect(236, 46, 852, 767));
-    EXPECT_EQ(layout.yearRail, QRect(1088, 46, 272, 767));
-    EXPECT_EQ(layout.statusBar, QRect(0, 813, 1360, 27));
-    EXPECT_EQ(layoutMainWindow({1080, 620}).entryView.width(), 572);
-
+    const auto layout = layoutMainWindow(MainWindowLayout::initialSize);
     show();
     EXPECT_EQ(find<QWidget>("topBar")->geometry(), layout.topBar);
     EXPECT_EQ(find<QWidget>("sidebar")->geometry(), layout.sidebar);
     EXPECT_EQ(find<QWidget>("entryView")->geometry(), layout.entryView);
     EXPECT_EQ(find<QWidget>("yearRail")->geometry(), layout.yearRail);
     EXPECT_EQ(find<QWidget>("statusBar")->geometry(), layout.statusBar);
+}
+
+TEST_F(MainWindowControllerTest, fillsAWindowThatIsShownAlready) {
+    auto given = std::make_unique<QMainWindow>();
+    given->setCentralWidget(new QWidget);
+    const QPointer former = given->centralWidget();
+    given->resize(1200, 700);
+    given->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(given.get()));
+
+    show(std::move(given));
+    EXPECT_EQ(window()->size(), QSize(1200, 700));
+    const int menuBar = controller->window()->menuBar()->height();
+    EXPECT_EQ(controller->contentView()->geometry(), QRect(0, menuBar, 1200, 700 - menuBar));
+    const auto layout = layoutMainWindow({1200, 700 - menuBar});
+    EXPECT_EQ(find<QWidget>("entryView")->geometry(), layout.entryView);
+    EXPECT_TRUE(textView()->hasFocus());
+    EXPECT_TRUE(find<QWidget>("yearRail")->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return former.isNull(); }));
+
+    const QImage filled = window()->grab().toImage();
+    controller.reset();
+    show();
+    window()->resize(1200, 700);
+    EXPECT_EQ(filled, window()->grab().toImage());
+}
+
+TEST_F(MainWindowControllerTest, tellsOfTheFirstPictureOnlyWhenThatIsOfTheDiary) {
+    auto given = std::make_unique<QMainWindow>();
+    given->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(given.get()));
+    auto *blank = given.get();
+    controller = std::make_unique<MainWindowController>(
+        std::make_unique<DiaryStore>(vault, DiaryStore::Options{.stateFolder = folder / "state"}), clock,
+        fileManager, MenuActions(), nullptr, nullptr, std::move(given));
+    int times = 0;
+    controller->onFirstPainted = [&] { ++times; };
+    blank->repaint();
+    QApplication::processEvents();
+    EXPECT_EQ(times, 0);
+    controller->showWindow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return times == 1; }));
 }
 
 TEST_F(MainWindowControllerTest, stepsMonthsFromTheirFirstDayAroundTheYear) {
