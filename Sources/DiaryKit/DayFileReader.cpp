@@ -27,21 +27,21 @@ std::optional<std::string_view> DayFileReader::read(MonthDay monthDay) {
     if (!file)
         return std::nullopt;
     if (m_buffer.empty())
-        m_buffer.resize(initialRoom);
+        m_buffer.resize(initialRoom / sizeof(Block));
 
     std::size_t filled = 0;
     for (;;) {
-        if (filled == m_buffer.size())
+        if (filled == room())
             m_buffer.resize(m_buffer.size() * 2);
-        const auto count = retryingWhenInterrupted(
-            [&] { return ::read(file.get(), m_buffer.data() + filled, m_buffer.size() - filled); });
+        const auto count =
+            retryingWhenInterrupted([&] { return ::read(file.get(), bytes() + filled, room() - filled); });
         if (count < 0)
             return std::nullopt;
         if (count == 0)
             break;
         filled += static_cast<std::size_t>(count);
     }
-    return std::string_view(m_buffer).substr(0, filled);
+    return std::string_view(bytes(), filled);
 }
 
 std::optional<std::filesystem::file_time_type> DayFileReader::modificationDate(MonthDay monthDay) const {

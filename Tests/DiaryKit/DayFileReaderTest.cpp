@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include <DiaryKit/DayFileReader.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <fstream>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <Support/TemporaryFolder.h>
+
+namespace diary {
+namespace {
+
+using testing::TemporaryFolder;
+
+constexpr MonthDay day{3, 14};
+
+std::string randomBytes(std::size_t count) {
+    std::mt19937 random(static_cast<unsigned>(count));
+    std::string bytes(count, '\0');
+    for (auto &byte : bytes)
+        byte = static_cast<char>(random());
+    return bytes;
+}
+
+TEST(DayFileReader, readsFilesOfAnySizeOneAfterAnother) {
+    constexpr std::size_t room = std::size_t{256} * 1024;
+    const TemporaryFolder vault;
+    DayFileReader reader(vault.path());
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, room - 1, room, room + 1, 2 * room,
+                                   2 * room + 1, 5 * room + 100, std::size_t{3}, std::size_t{0}}) {
+        const auto content = randomBytes(size);
+        vault.write(day.fileName(), content);
+        const auto bytes = reader.read(day);
+        ASSERT_TRUE(bytes) << size;
+        EXPECT_TRUE(*bytes == content) << size;
+    }
+}
+
+TEST(DayFileReader, readsAFileThatGrowsMeanwhile) {
+    constexpr std::size_t piece = 1000;
+    const auto whole = randomBytes(600 * piece); // past the room there is at first
+    const TemporaryFolder vault;
+    vault.write(day.fileName(), {});
+    const std::jthread writer([&] {
+        std::ofstream file(vault / day.fileName(), std::ios::app);
+        for (std::size_t at = 0; at < whole.size(); at += piece)
+            file << whole.substr(at, piece) << std::flush;
+    });
+    DayFileReader reader(vault.path());
+    for (std::size_t longest = 0; longest < whole.size();) {
+        const auto bytes = reader.read(day);
+        ASSERT_TRUE(bytes);
+        ASSERT_GE(bytes->size(), longest);
+        longest = bytes->size();
+        ASSERT_TRUE(whole.starts_with(*bytes)) << longest;
+    }
+}
+
+TEST(DayFileReader, hasNothingOfWhatIsMissing) {
+    const TemporaryFolder vault;
+    EXPECT_EQ(DayFileReader(vault.path()).read(day), std::nullopt);
+    EXPECT_EQ(DayFileReader(vault / "missing").read(day), std::nullopt);
+    EXPECT_EQ(DayFileReader(vault.path()).modificationDate(day), std::nullopt);
+}
+
+} // namespace
+} // namespace diary
