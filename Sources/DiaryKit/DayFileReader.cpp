@@ -13,6 +13,11 @@ namespace {
 // Room for a day of some decades; it grows for more.
 constexpr std::size_t initialRoom = std::size_t{256} * 1024;
 
+bool isRegular(const FileDescriptor &file) {
+    struct stat status {};
+    return ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 } // namespace
 
 DayFileReader::DayFileReader(const std::filesystem::path &folder)
@@ -24,7 +29,7 @@ std::optional<std::string_view> DayFileReader::read(MonthDay monthDay) {
     const auto name = monthDay.fileName();
     const FileDescriptor file(retryingWhenInterrupted(
         [&] { return ::openat(m_folder.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
-    if (!file)
+    if (!file || !isRegular(file))
         return std::nullopt;
     if (m_buffer.empty())
         m_buffer.resize(initialRoom / sizeof(Block));

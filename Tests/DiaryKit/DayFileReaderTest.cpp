@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <random>
@@ -12,6 +14,7 @@
 #include <thread>
 
 #include <Support/TemporaryFolder.h>
+#include <sys/stat.h>
 
 namespace diary {
 namespace {
@@ -67,6 +70,17 @@ TEST(DayFileReader, hasNothingOfWhatIsMissing) {
     EXPECT_EQ(DayFileReader(vault.path()).read(day), std::nullopt);
     EXPECT_EQ(DayFileReader(vault / "missing").read(day), std::nullopt);
     EXPECT_EQ(DayFileReader(vault.path()).modificationDate(day), std::nullopt);
+}
+
+TEST(DayFileReader, hasNothingOfWhatIsNoRegularFile) {
+    const TemporaryFolder vault;
+    DayFileReader reader(vault.path());
+    std::filesystem::create_directory(vault / "03-14.md");
+    ASSERT_EQ(::mkfifo((vault / "03-15.md").c_str(), 0600), 0);
+    // A device that ends, since one without an end would fill the memory when this fails.
+    std::filesystem::create_symlink("/dev/null", vault / "03-16.md");
+    for (const std::int64_t number : {14, 15, 16})
+        EXPECT_EQ(reader.read({3, number}), std::nullopt) << number;
 }
 
 } // namespace
