@@ -13,11 +13,6 @@ namespace {
 // Room for a day of some decades; it grows for more.
 constexpr std::size_t initialRoom = std::size_t{256} * 1024;
 
-bool isRegular(const FileDescriptor &file) {
-    struct stat status {};
-    return ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 } // namespace
 
 DayFileReader::DayFileReader(const std::filesystem::path &folder)
@@ -25,11 +20,12 @@ DayFileReader::DayFileReader(const std::filesystem::path &folder)
           retryingWhenInterrupted([&] { return ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); })) {
 }
 
-std::optional<std::string_view> DayFileReader::read(MonthDay monthDay) {
+std::optional<DayFileReader::Content> DayFileReader::read(MonthDay monthDay) {
     const auto name = monthDay.fileName();
     const FileDescriptor file(retryingWhenInterrupted(
         [&] { return ::openat(m_folder.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
-    if (!file || !isRegular(file))
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) < 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
     if (m_buffer.empty())
         m_buffer.resize(initialRoom / sizeof(Block));
@@ -46,7 +42,7 @@ std::optional<std::string_view> DayFileReader::read(MonthDay monthDay) {
             break;
         filled += static_cast<std::size_t>(count);
     }
-    return std::string_view(bytes(), filled);
+    return Content{{bytes(), filled}, fileTime(status)};
 }
 
 std::optional<std::filesystem::file_time_type> DayFileReader::modificationDate(MonthDay monthDay) const {

@@ -19,9 +19,14 @@ public:
     // A folder that cannot be opened reads as one without files.
     explicit DayFileReader(const std::filesystem::path &folder);
 
-    // The file's bytes as they are, valid until the next call; none when it is missing, unreadable or no
-    // regular file.
-    std::optional<std::string_view> read(MonthDay monthDay);
+    struct Content {
+        std::string_view bytes; // as they are, valid until the next call
+        // Asked for before the bytes, so that a change meanwhile makes it out of date rather than the bytes.
+        std::filesystem::file_time_type modificationDate;
+    };
+
+    // None when the file is missing, unreadable or no regular file.
+    std::optional<Content> read(MonthDay monthDay);
 
     std::optional<std::filesystem::file_time_type> modificationDate(MonthDay monthDay) const;
 

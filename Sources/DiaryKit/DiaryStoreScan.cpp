@@ -19,9 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Stands for a date that cannot be read; no file carries it.
-constexpr DiaryStore::FileTime distantPast = DiaryStore::FileTime::min();
-
 void count(MonthDay monthDay, const std::vector<std::int64_t> &years, DiaryStore::ArchiveSnapshot &snapshot) {
     if (years.empty())
         return;
@@ -57,20 +54,19 @@ const std::set<MonthDay> &DiaryStore::knownFiles() {
 // The years with content, by the cache or the file; none when the file cannot be read. Valid until the next
 // call.
 const std::vector<std::int64_t> *DiaryStore::cachedYears(MonthDay monthDay, DayFileReader &reader) {
-    const auto date = reader.modificationDate(monthDay).value_or(distantPast);
-    const auto cached = m_yearCache.find(monthDay);
-    if (cached != m_yearCache.end() && cached->second.mtime == date)
+    if (const auto cached = m_yearCache.find(monthDay);
+        cached != m_yearCache.end() && cached->second.mtime == reader.modificationDate(monthDay))
         return &cached->second.years;
     if (startDownloadIfNeeded(fileURL(monthDay))) {
         m_awaitingDownload.insert(monthDay);
         return nullptr;
     }
     m_awaitingDownload.erase(monthDay);
-    const auto text = reader.read(monthDay);
-    if (!text)
+    const auto content = reader.read(monthDay);
+    if (!content)
         return nullptr;
     auto &entry = m_yearCache[monthDay];
-    entry = {date, YearSectionParser::ascendingYearsWithContent(*text)};
+    entry = {content->modificationDate, YearSectionParser::ascendingYearsWithContent(content->bytes)};
     return &entry.years;
 }
 
@@ -138,8 +134,7 @@ DiaryStore::ArchiveScan DiaryStore::scanArchive(const fs::path &rootURL, YearCac
                                                 const CloudFiles &cloudFiles) {
     ArchiveScan scan{{}, std::move(cache), dayFiles(rootURL)};
     struct Look {
-        FileTime date;
-        std::optional<std::vector<std::int64_t>> years; // of a file that changed and could be read
+        std::optional<YearCacheEntry> fresh; // of a file that changed and could be read
         bool isCached = false;
         bool isAwaitingDownload = false;
     };
@@ -148,29 +143,30 @@ DiaryStore::ArchiveScan DiaryStore::scanArchive(const fs::path &rootURL, YearCac
     runInParallel(files.size(), [&] {
         return [&, reader = std::make_shared<DayFileReader>(rootURL)](std::size_t index) {
             auto &look = looks[index];
-            look.date = reader->modificationDate(files[index]).value_or(distantPast);
             const auto cached = scan.cache.find(files[index]);
-            look.isCached = cached != scan.cache.end() && cached->second.mtime == look.date;
+            look.isCached =
+                cached != scan.cache.end() && cached->second.mtime == reader->modificationDate(files[index]);
             if (look.isCached)
                 return true;
             const auto path = rootURL / files[index].fileName();
             if (cloudFiles.downloadingStatus(path) == CloudFiles::DownloadingStatus::NotDownloaded) {
                 cloudFiles.startDownloading(path);
                 look.isAwaitingDownload = true;
-            } else if (const auto text = reader->read(files[index])) {
-                look.years = YearSectionParser::ascendingYearsWithContent(*text);
+            } else if (const auto content = reader->read(files[index])) {
+                look.fresh = {content->modificationDate,
+                              YearSectionParser::ascendingYearsWithContent(content->bytes)};
             }
             return true;
         };
     });
 
     for (std::size_t index = 0; index < files.size(); ++index) {
-        auto &[date, years, isCached, isAwaitingDownload] = looks[index];
+        auto &[fresh, isCached, isAwaitingDownload] = looks[index];
         if (isAwaitingDownload)
             scan.snapshot.awaitingDownload.insert(files[index]);
-        if (years)
-            scan.cache[files[index]] = {date, std::move(*years)};
-        if (years || isCached)
+        if (fresh)
+            scan.cache[files[index]] = std::move(*fresh);
+        if (fresh || isCached)
             count(files[index], scan.cache.at(files[index]).years, scan.snapshot);
     }
     scan.snapshot.overview.fileCount = static_cast<int>(scan.files.size());

@@ -214,8 +214,8 @@ DiaryStore::SearchResult DiaryStore::search(const fs::path &rootURL, const std::
             if (cloudFiles.downloadingStatus(path) == CloudFiles::DownloadingStatus::NotDownloaded) {
                 cloudFiles.startDownloading(path);
                 isAwaiting[index] = 1;
-            } else if (const auto bytes = reader->read(monthDay)) {
-                searchFile(prepared, monthDay, *bytes, most, found);
+            } else if (const auto content = reader->read(monthDay)) {
+                searchFile(prepared, monthDay, content->bytes, most, found);
             }
             return hits.add(index, std::move(found));
         };

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -39,9 +40,9 @@ TEST(DayFileReader, readsFilesOfAnySizeOneAfterAnother) {
                                    2 * room + 1, 5 * room + 100, std::size_t{3}, std::size_t{0}}) {
         const auto content = randomBytes(size);
         vault.write(day.fileName(), content);
-        const auto bytes = reader.read(day);
-        ASSERT_TRUE(bytes) << size;
-        EXPECT_TRUE(*bytes == content) << size;
+        const auto found = reader.read(day);
+        ASSERT_TRUE(found) << size;
+        EXPECT_TRUE(found->bytes == content) << size;
     }
 }
 
@@ -57,18 +58,30 @@ TEST(DayFileReader, readsAFileThatGrowsMeanwhile) {
     });
     DayFileReader reader(vault.path());
     for (std::size_t longest = 0; longest < whole.size();) {
-        const auto bytes = reader.read(day);
-        ASSERT_TRUE(bytes);
-        ASSERT_GE(bytes->size(), longest);
-        longest = bytes->size();
-        ASSERT_TRUE(whole.starts_with(*bytes)) << longest;
+        const auto found = reader.read(day);
+        ASSERT_TRUE(found);
+        ASSERT_GE(found->bytes.size(), longest);
+        longest = found->bytes.size();
+        ASSERT_TRUE(whole.starts_with(found->bytes)) << longest;
     }
+}
+
+TEST(DayFileReader, tellsWhenAFileWasChanged) {
+    const TemporaryFolder vault;
+    vault.write(day.fileName(), "text");
+    const auto date = std::filesystem::last_write_time(vault / day.fileName()) - std::chrono::hours(5);
+    std::filesystem::last_write_time(vault / day.fileName(), date);
+    DayFileReader reader(vault.path());
+    const auto found = reader.read(day);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->modificationDate, date);
+    EXPECT_EQ(reader.modificationDate(day), date);
 }
 
 TEST(DayFileReader, hasNothingOfWhatIsMissing) {
     const TemporaryFolder vault;
-    EXPECT_EQ(DayFileReader(vault.path()).read(day), std::nullopt);
-    EXPECT_EQ(DayFileReader(vault / "missing").read(day), std::nullopt);
+    EXPECT_FALSE(DayFileReader(vault.path()).read(day));
+    EXPECT_FALSE(DayFileReader(vault / "missing").read(day));
     EXPECT_EQ(DayFileReader(vault.path()).modificationDate(day), std::nullopt);
 }
 
@@ -80,7 +93,7 @@ TEST(DayFileReader, hasNothingOfWhatIsNoRegularFile) {
     // A device that ends, since one without an end would fill the memory when this fails.
     std::filesystem::create_symlink("/dev/null", vault / "03-16.md");
     for (const std::int64_t number : {14, 15, 16})
-        EXPECT_EQ(reader.read({3, number}), std::nullopt) << number;
+        EXPECT_FALSE(reader.read({3, number})) << number;
 }
 
 } // namespace
