@@ -51,6 +51,13 @@ bool isLineBreak(UChar32 c) {
     return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
 }
 
+// Asked nearly always of a line break or a letter of ASCII, which need no table.
+bool isWhitespace(UChar32 c) {
+    if (c < 0x80)
+        return c == ' ' || (c >= '\t' && c <= '\r');
+    return u_isUWhiteSpace(c) != 0;
+}
+
 UChar32 firstCharacter(std::string_view text, std::size_t &length) {
     const auto *bytes = bytesOf(text);
     std::int64_t at = 0;
@@ -95,7 +102,7 @@ std::string_view withoutTrailingWhitespace(std::string_view text) {
         auto start = static_cast<std::int32_t>(window.size());
         UChar32 character = 0;
         U8_PREV(bytes, 0, start, character);
-        if (character < 0 || !u_isUWhiteSpace(character))
+        if (!isWhitespace(character))
             break;
         text.remove_suffix(window.size() - static_cast<std::size_t>(start));
     }
@@ -106,7 +113,7 @@ std::string_view trimmed(std::string_view text) {
     while (!text.empty()) {
         std::size_t length = 0;
         const auto character = firstCharacter(text, length);
-        if (character < 0 || !u_isUWhiteSpace(character))
+        if (!isWhitespace(character))
             break;
         text.remove_prefix(length);
     }
