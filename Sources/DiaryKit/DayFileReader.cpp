@@ -25,7 +25,8 @@ std::optional<DayFileReader::Content> DayFileReader::read(MonthDay monthDay) {
     const FileDescriptor file(retryingWhenInterrupted(
         [&] { return ::openat(m_folder.get(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
     struct stat status {};
-    if (!file || ::fstat(file.get(), &status) < 0 || !S_ISREG(status.st_mode))
+    if (!file || ::fstat(file.get(), &status) < 0 || !S_ISREG(status.st_mode) ||
+        static_cast<std::size_t>(status.st_size) > largestReadableFile)
         return std::nullopt;
     if (m_buffer.empty())
         m_buffer.resize(initialRoom / sizeof(Block));
@@ -41,6 +42,8 @@ std::optional<DayFileReader::Content> DayFileReader::read(MonthDay monthDay) {
         if (count == 0)
             break;
         filled += static_cast<std::size_t>(count);
+        if (filled > largestReadableFile)
+            return std::nullopt;
     }
     return Content{{bytes(), filled}, fileTime(status)};
 }

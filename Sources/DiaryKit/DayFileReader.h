@@ -25,7 +25,7 @@ public:
         std::filesystem::file_time_type modificationDate;
     };
 
-    // None when the file is missing, unreadable or no regular file.
+    // None when the file is missing, unreadable, no regular file or too large.
     std::optional<Content> read(MonthDay monthDay);
 
     std::optional<std::filesystem::file_time_type> modificationDate(MonthDay monthDay) const;

@@ -154,6 +154,10 @@ std::optional<std::string> readWholeFile(int descriptor, std::error_code &error)
         error.assign(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, std::system_category());
         return std::nullopt;
     }
+    if (static_cast<std::size_t>(status.st_size) > largestReadableFile) {
+        error.assign(EFBIG, std::system_category());
+        return std::nullopt;
+    }
 
     // One byte more than announced, so that the end is seen by the first read.
     std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
@@ -170,6 +174,10 @@ std::optional<std::string> readWholeFile(int descriptor, std::error_code &error)
         if (count == 0)
             break;
         filled += static_cast<std::size_t>(count);
+        if (filled > largestReadableFile) {
+            error.assign(EFBIG, std::system_category());
+            return std::nullopt;
+        }
         if (filled == bytes.size())
             bytes.resize(bytes.size() * 2);
     }

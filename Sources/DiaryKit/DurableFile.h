@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -29,8 +30,11 @@ private:
     int m_number = -1;
 };
 
-// The whole content of a regular file. None with the error set when it is missing, unreadable or no regular
-// file; never waits for a pipe.
+// In bytes. What is larger is no diary, and to read it could take all of the memory.
+inline constexpr std::size_t largestReadableFile = std::size_t{256} << 20;
+
+// The whole content of a regular file. None with the error set when it is missing, unreadable, no regular
+// file or too large; never waits for a pipe.
 std::optional<std::string> readWholeFile(const std::filesystem::path &path, std::error_code &error);
 std::optional<std::string> readWholeFile(int descriptor, std::error_code &error);
 

@@ -96,5 +96,15 @@ TEST(DayFileReader, hasNothingOfWhatIsNoRegularFile) {
         EXPECT_FALSE(reader.read({3, number})) << number;
 }
 
+TEST(DayFileReader, hasNothingOfWhatIsTooLarge) {
+    const TemporaryFolder vault;
+    vault.write(day.fileName(), "text");
+    // Takes no room on the disk.
+    std::filesystem::resize_file(vault / day.fileName(), largestReadableFile + 1);
+    EXPECT_FALSE(DayFileReader(vault.path()).read(day));
+    std::filesystem::resize_file(vault / day.fileName(), 4);
+    EXPECT_TRUE(DayFileReader(vault.path()).read(day));
+}
+
 } // namespace
 } // namespace diary

@@ -293,6 +293,16 @@ TEST_F(DiaryStoreSaving, failsWhereTheDayFileIsAFolder) {
     expectNothingElse();
 }
 
+TEST_F(DiaryStoreSaving, failsWhereTheDayFileIsTooLargeToRead) {
+    m_folder.write(dayFile, "kept");
+    // Takes no room on the disk.
+    std::filesystem::resize_file(m_folder / dayFile, largestReadableFile + 1);
+    auto store = openStore();
+    EXPECT_EQ(errorOfSaving(store, document(m_threeYears)), EFBIG);
+    EXPECT_EQ(std::filesystem::file_size(m_folder / dayFile), largestReadableFile + 1);
+    expectNothingElse();
+}
+
 TEST_F(DiaryStoreSaving, failsWhereTheDayFileIsReadOnly) {
     const auto old = document(m_threeYears);
     m_folder.write(dayFile, old);

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <functional>
 #include <optional>
@@ -86,6 +87,16 @@ TEST(DurableFile, saysWhyThereIsNothingToRead) {
     EXPECT_EQ(readError(folder.path()), EISDIR);
     EXPECT_EQ(readError(folder / "pipe"), EINVAL);
     EXPECT_EQ(readError("/dev/null"), EINVAL);
+}
+
+TEST(DurableFile, readsNothingThatCouldTakeAllOfTheMemory) {
+    const TemporaryFolder folder;
+    folder.write("file", "text");
+    // Takes no room on the disk.
+    fs::resize_file(folder / "file", std::uintmax_t{1} << 40);
+    EXPECT_EQ(readError(folder / "file"), EFBIG);
+    fs::resize_file(folder / "file", largestReadableFile + 1);
+    EXPECT_EQ(readError(folder / "file"), EFBIG);
 }
 
 TEST(DurableFile, readsMoreThanTheSizeThatWasAnnounced) {
