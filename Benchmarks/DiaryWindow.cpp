@@ -10,6 +10,7 @@
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/PhotoModule.h>
 #include <DiaryApp/PhotoSource.h>
+#include <DiaryApp/ProgramModule.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/UpdateChecker.h>
@@ -36,8 +37,7 @@ int main(int argc, char *argv[]) {
         updates.emplace(clock, diary::Settings::shared(), diary::UpdateModule::parts(),
                         diary::UpdateChecker::surroundings());
         services.updates = &*updates;
-        services.photos = diary::PhotoModule::find(diary::toUtf8(QApplication::applicationDirPath()),
-                                                   diary::PhotoModule::userFolders());
+        services.photos = diary::PhotoModule::find(diary::programFolder(), diary::PhotoModule::userFolders());
     }
     diary::AppDelegate delegate(clock, fileManager, std::move(services));
     QTimer::singleShot(0, &delegate, [&delegate] { delegate.launch(); });

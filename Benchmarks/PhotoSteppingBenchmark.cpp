@@ -14,6 +14,7 @@
 #include <DiaryApp/PhotoGalleryView.h>
 #include <DiaryApp/PhotoModule.h>
 #include <DiaryApp/PhotoTileView.h>
+#include <DiaryApp/ProgramModule.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
 
@@ -105,11 +106,10 @@ int main(int argc, char *argv[]) {
     QApplication::setStyle(QStringLiteral("fusion"));
     WatchedApplication application(argc, argv);
     diary::DesktopFileManager fileManager;
-    auto photos = diary::PhotoModule::find(diary::toUtf8(QApplication::applicationDirPath()),
-                                           {.pictures = folder / "pictures",
-                                            .added = {},
-                                            .cache = folder / "cache",
-                                            .thumbnails = folder / "thumbnails"});
+    auto photos = diary::PhotoModule::find(diary::programFolder(), {.pictures = folder / "pictures",
+                                                                    .added = {},
+                                                                    .cache = folder / "cache",
+                                                                    .thumbnails = folder / "thumbnails"});
     if (!photos) {
         std::fputs("photo-stepping-benchmark: the photo module is not built\n", stderr);
         return 1;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/Localization.h>
+#include <DiaryApp/ProgramModule.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
+#include <DiaryKit/DurableFile.h>
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
@@ -212,9 +214,13 @@ QLocale locale() {
 }
 
 Bundle::Bundle(const std::filesystem::path &folder, QString language) : m_language(std::move(language)) {
-    // The loader would look for files with similar names.
-    if (isFile(folder / tableName))
-        static_cast<void>(m_table.load(pathToQString(folder / tableName)));
+    // Read here, since the loader would look for files with similar names, and knows none that is not UTF-8.
+    std::error_code error;
+    if (auto bytes = readWholeFile(folder / tableName, error)) {
+        m_bytes = std::move(*bytes);
+        static_cast<void>(
+            m_table.load(reinterpret_cast<const uchar *>(m_bytes.data()), static_cast<int>(m_bytes.size())));
+    }
 }
 
 std::optional<QString> Bundle::text(const char *key) const {
@@ -238,7 +244,7 @@ std::filesystem::path findResourceBundle(const std::filesystem::path &programFol
 }
 
 const std::filesystem::path &resourceBundle() {
-    static const auto found = findResourceBundle(toUtf8(QCoreApplication::applicationDirPath()));
+    static const auto found = findResourceBundle(programFolder());
     return found;
 }
 

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -80,6 +81,7 @@ public:
 
 private:
     QString m_language;
+    std::string m_bytes; // of the table
     QTranslator m_table;
 };
 

@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/PhotoModule.h>
-#include <DiaryApp/Text.h>
+#include <DiaryApp/ProgramModule.h>
 #include <DiaryKit/UserDirectories.h>
 
-#include <QLibrary>
 #include <QtDebug>
 
 #include <exception>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
 namespace diary {
 
 std::filesystem::path PhotoModule::file(const std::filesystem::path &programFolder) {
-    return programFolder.parent_path() / "lib/tavelo/modules/tavelo-photos.so";
+    return moduleFile(programFolder, "tavelo-photos");
 }
 
 std::unique_ptr<PhotoModule> PhotoModule::find(const std::filesystem::path &programFolder,
@@ -122,18 +120,10 @@ void PhotoModule::load() {
 
 // None when the module cannot be loaded or cannot begin.
 std::unique_ptr<PhotoSource> PhotoModule::makeSource(const PhotoFolders &folders) const {
-    QLibrary library(pathToQString(m_file));
-    // Threads of the libraries it brings along may outlive the source.
-    library.setLoadHints(QLibrary::PreventUnloadHint);
-    const auto version = reinterpret_cast<PhotosVersion *>(library.resolve(photosVersionName));
-    if (version && version() != std::string_view(TAVELO_VERSION)) {
-        qWarning("The photo module is that of version %s", version());
-        return nullptr;
-    }
-    const auto make =
-        version ? reinterpret_cast<MakePhotoSource *>(library.resolve(makePhotoSourceName)) : nullptr;
+    ProgramModule module(m_file, photosVersionName);
+    auto *make = module.function<MakePhotoSource>(makePhotoSourceName);
     if (!make) {
-        qWarning("The photo module cannot be used: %s", qPrintable(library.errorString()));
+        qWarning("The photo module cannot be used: %s", module.error().c_str());
         return nullptr;
     }
     try {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/Clock.h>
+#include <DiaryApp/ProgramModule.h>
 #include <DiaryApp/QtExecutor.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
@@ -446,9 +447,8 @@ std::optional<UpdateChecker::Manifest> UpdateChecker::Manifest::parse(const QByt
 }
 
 UpdateChecker::Surroundings UpdateChecker::surroundings() {
-    // The program is in the folder "bin" of its bundle. Its path is taken byte by byte.
-    std::error_code error;
-    const auto bundle = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
+    // The program is in the folder "bin" of its bundle.
+    const auto bundle = programFolder().parent_path();
     return {.bundle = bundle.extension() == ".app" ? bundle : fs::path(),
             .currentVersion = QCoreApplication::applicationVersion(),
             .stagingFolder = UserDirectories::data() / "Tavelo" / "Updates",

@@ -6,6 +6,7 @@
 #include <DiaryApp/FileManager.h>
 #include <DiaryApp/LaunchRequest.h>
 #include <DiaryApp/PhotoModule.h>
+#include <DiaryApp/ProgramModule.h>
 #include <DiaryApp/SelfTest.h>
 #include <DiaryApp/Settings.h>
 #include <DiaryApp/Text.h>
@@ -19,7 +20,6 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -71,14 +71,14 @@ int openDiary(int argc, char **argv, diary::SelfTest *selfTest) {
 
     diary::SystemClock clock;
     diary::DesktopFileManager fileManager;
-    const std::filesystem::path programFolder = diary::toUtf8(QApplication::applicationDirPath());
     auto photoFolders = diary::PhotoModule::userFolders();
     photoFolders.added = diary::Settings::shared().photoFolders();
     diary::UpdateChecker updates(clock, diary::Settings::shared(), diary::UpdateModule::parts(),
                                  diary::UpdateChecker::surroundings());
     diary::AppDelegate delegate(
         clock, fileManager,
-        {.updates = &updates, .photos = diary::PhotoModule::find(programFolder, std::move(photoFolders))});
+        {.updates = &updates,
+         .photos = diary::PhotoModule::find(diary::programFolder(), std::move(photoFolders))});
     diary::DesktopActivation activation;
     activation.onLaunch = [&delegate](const auto &request) { delegate.answerLaunch(request); };
     delegate.onFirstPainted = [&] {

@@ -318,6 +318,12 @@ TEST_F(LanguageFolderTest, mayBeNamedInLowerCase) {
     EXPECT_EQ(today("zh-CN"), QStringLiteral("今天"));
 }
 
+TEST_F(LanguageFolderTest, mayStandWhereANameIsNotUtf8) {
+    put("de", "caf\xe9/de.lproj");
+    const auto bundle = Localization::resolveBundle(m_bundle / "caf\xe9", {QStringLiteral("de")});
+    EXPECT_EQ(bundle->text("Today"), QStringLiteral("Heute"));
+}
+
 TEST_F(LanguageFolderTest, isReplacedByTheBundlesOwnTextsWhenMissing) {
     put("en", "en.lproj");
     EXPECT_EQ(today("de"), QLatin1String("Today"));
