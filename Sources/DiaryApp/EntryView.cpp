@@ -74,7 +74,7 @@ public:
 protected:
     bool event(QEvent *event) override {
         if (event->type() == QEvent::LayoutRequest)
-            m_view->layOut();
+            m_view->contentDidGrow();
         return QWidget::event(event);
     }
 
@@ -357,6 +357,15 @@ void EntryView::layOut() {
         m_textView->setGeometry(page.content);
         m_placeholderLabel->setGeometry(page.content);
     }
+}
+
+void EntryView::contentDidGrow() {
+    auto *bar = m_scrollView->verticalScrollBar();
+    // Who went to the end of a source while its height was estimated is at the end of all of it.
+    const bool isAtEnd = m_isSource && bar->value() > 0 && bar->value() == bar->maximum();
+    layOut();
+    if (isAtEnd)
+        bar->setValue(bar->maximum());
 }
 
 // The paper below the text counts as its last line.

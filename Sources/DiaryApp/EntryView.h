@@ -163,6 +163,7 @@ private:
     void showTile(const QRect &tile);
     EntryPageMetrics metrics() const;
     void layOut();
+    void contentDidGrow();
 
     QScrollArea *m_scrollView;
     QWidget *m_documentView;

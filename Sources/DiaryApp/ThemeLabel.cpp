@@ -3,14 +3,19 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QTimer>
 
+#include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace diary {
 
 namespace {
 
 constexpr double unlimited = 1 << 22; // wider than any label; greater numbers overflow in the text engine
+// Less than a frame, so that nobody waits for an idle moment to end.
+constexpr std::chrono::milliseconds idleSlice{4};
 
 } // namespace
 
@@ -34,14 +39,15 @@ void ThemeLabel::setColor(const QColor &color) {
     update();
 }
 
-const TextBlock &ThemeLabel::laidOut(double width) const {
-    m_block.set(text(), {.font = m_style.font,
-                         .lineSpacing = m_style.lineSpacing,
-                         .lineHeightMultiple = m_style.lineHeightMultiple,
-                         .paragraphSpacing = m_style.paragraphSpacing,
-                         .wraps = m_style.wraps});
-    m_block.layOut(width);
-    return m_block;
+TextBlock &ThemeLabel::laidOut(double width) const {
+    auto &block = m_style.wraps && width == unlimited ? m_unbroken : m_block;
+    block.set(text(), {.font = m_style.font,
+                       .lineSpacing = m_style.lineSpacing,
+                       .lineHeightMultiple = m_style.lineHeightMultiple,
+                       .paragraphSpacing = m_style.paragraphSpacing,
+                       .wraps = m_style.wraps});
+    block.layOut(width);
+    return block;
 }
 
 QPointF ThemeLabel::origin() const {
@@ -68,7 +74,8 @@ int ThemeLabel::heightForWidth(int width) const {
 }
 
 QSize ThemeLabel::sizeHint() const {
-    const auto &block = laidOut(unlimited);
+    auto &block = laidOut(unlimited);
+    block.layOutMore(std::chrono::hours(1));
     return {static_cast<int>(std::ceil(block.naturalWidth())), static_cast<int>(std::ceil(block.height()))};
 }
 
@@ -77,9 +84,25 @@ QSize ThemeLabel::minimumSizeHint() const {
     return m_style.wraps ? QSize(0, size.height()) : size;
 }
 
-void ThemeLabel::paintEvent(QPaintEvent *) {
+void ThemeLabel::paintEvent(QPaintEvent *event) {
     QPainter painter(this);
-    laidOut(width()).paint(painter, origin(), m_style.color);
+    laidOut(width()).paint(painter, origin(), m_style.color, event->rect());
+    if (m_block.isHeightEstimated() && !std::exchange(m_isLayingOutRest, true))
+        QTimer::singleShot(0, this, &ThemeLabel::layOutRest);
+}
+
+// In idle moments, once there is something to look at.
+void ThemeLabel::layOutRest() {
+    auto &block = laidOut(width());
+    if (block.isHeightEstimated())
+        block.layOutMore(idleSlice);
+    m_isLayingOutRest = block.isHeightEstimated();
+    if (m_isLayingOutRest) {
+        QTimer::singleShot(0, this, &ThemeLabel::layOutRest);
+    } else {
+        updateGeometry();
+        update();
+    }
 }
 
 ThemeLabel *themeLabel(const QString &text, QFont font, const QColor &color, double kern, QWidget *parent) {

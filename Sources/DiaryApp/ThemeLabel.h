@@ -13,6 +13,9 @@ namespace diary {
 
 // A text with exactly its own font and colour: plain, not selectable, read out as static text. Every
 // paragraph begins on the side of its own writing direction.
+//
+// A long text that wraps is painted before all of it is laid out. Its height is estimated until then, and
+// told anew when it is known.
 class ThemeLabel : public QLabel {
     Q_OBJECT
 
@@ -49,12 +52,15 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    const TextBlock &laidOut(double width) const;
+    TextBlock &laidOut(double width) const;
+    void layOutRest();
     // Of the text at the label's size, which stands in the middle of its height.
     QPointF origin() const;
 
     Style m_style;
-    mutable TextBlock m_block; // at the width asked for last
+    mutable TextBlock m_block;    // at the width asked for last
+    mutable TextBlock m_unbroken; // where the text wraps: as wide as it needs, which hints are about
+    bool m_isLayingOutRest = false;
 };
 
 // A label of one line, or of as many as the text has, that takes the room its text needs. The kern is added

@@ -510,6 +510,30 @@ TEST_F(EntryViewTest, scrollsTheSourceByKeyboard) {
     EXPECT_EQ(scrolled(), 0);
 }
 
+TEST_F(EntryViewTest, growsAsHighAsALongSource) {
+    // The rest is longer than the beginning suggests.
+    const auto text =
+        QStringLiteral("line\n").repeated(3'000) + QStringLiteral("long line ").repeated(20'000);
+    show(sourcePage(text));
+    const auto *source = find("source");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return source->lines().back().rect.bottom() == source->height(); }));
+    EXPECT_EQ(find<QWidget>("column")->height(), source->geometry().bottom() + 1);
+    EXPECT_EQ(scrolled(), 0);
+}
+
+TEST_F(EntryViewTest, staysAtTheEndOfALongSourceWhileItsHeightBecomesKnown) {
+    const auto text =
+        QStringLiteral("line\n").repeated(3'000) + QStringLiteral("long line ").repeated(20'000);
+    view.show();
+    view.update(sourcePage(text));
+    auto *bar = view.scrollView()->verticalScrollBar();
+    const int guessed = bar->maximum();
+    QTest::keyClick(view.scrollView(), Qt::Key_End);
+    EXPECT_EQ(scrolled(), guessed);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return bar->maximum() != guessed; }));
+    EXPECT_EQ(scrolled(), bar->maximum());
+}
+
 TEST_F(EntryViewTest, turnsDaysByChevrons) {
     show(editorPage(QString()));
     int previous = 0;

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 
 namespace diary {
@@ -118,6 +119,129 @@ TEST(TextBlock, paintsInsideWhatItMeasured) {
         for (int x = 0; x < picture.width(); ++x) {
             const bool isInside = measured.adjusted(-1, 0, 1, 0).contains(x / 2, y / 2);
             EXPECT_TRUE(isInside || qAlpha(picture.pixel(x, y)) == 0) << x << ' ' << y;
+        }
+    }
+}
+
+// Far more than is laid out at once; each paragraph differs from the one above.
+QString longText(const QString &words = QStringLiteral("some words that may need a few lines ")) {
+    QString text;
+    for (int number = 0; text.size() < 30'000; ++number)
+        text += QString::number(number) + QLatin1Char(' ') + words.repeated(number % 7) + QLatin1Char('\n');
+    return text;
+}
+
+constexpr std::chrono::hours everything{1};
+
+QImage pictureAt(TextBlock &block, double top) {
+    QImage picture(300, 400, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    block.paint(painter, {0, -top}, Theme::ink(), picture.rect());
+    return picture;
+}
+
+TEST(TextBlock, guessesTheHeightOfALongTextByItsBeginning) {
+    auto block = laidOut(longText(), 300, {.font = Theme::mono(13), .lineSpacing = 11});
+    EXPECT_TRUE(block.isHeightEstimated());
+    const double guess = block.height();
+    block.layOutMore(everything);
+    EXPECT_FALSE(block.isHeightEstimated());
+    EXPECT_EQ(block.height(), block.lines().back().rect.bottom());
+    EXPECT_NEAR(guess, block.height(), block.height() / 5);
+    // At another width it is a guess again.
+    block.layOut(200);
+    EXPECT_TRUE(block.isHeightEstimated());
+}
+
+TEST(TextBlock, goesOnWithALongTextInSlices) {
+    auto block = laidOut(longText(), 300);
+    int slices = 0;
+    while (block.isHeightEstimated()) {
+        const double height = block.height();
+        block.layOutMore(std::chrono::milliseconds(1));
+        ++slices;
+        EXPECT_TRUE(!block.isHeightEstimated() || block.height() == height);
+    }
+    EXPECT_GT(slices, 1);
+    auto atOnce = laidOut(longText(), 300);
+    atOnce.layOutMore(everything);
+    EXPECT_EQ(block.height(), atOnce.height());
+}
+
+TEST(TextBlock, knowsTheHeightOfALongTextThatDoesNotWrap) {
+    const auto block = laidOut(longText(), 300, {.font = Theme::mono(13), .wraps = false});
+    EXPECT_FALSE(block.isHeightEstimated());
+    EXPECT_EQ(block.height(), block.lines().back().rect.bottom());
+}
+
+TEST(TextBlock, paintsALongTextAlikeWhateverWasLaidOutBefore) {
+    for (const auto &words :
+         {QStringLiteral("some words that may need a few lines "), QStringLiteral("日記を書く、毎日。"),
+          QStringLiteral("שלום עולם abc "), QString(2'000, QLatin1Char('x'))}) {
+        const auto text = longText(words);
+        const TextBlock::Style style = {.font = Theme::serif(13), .lineSpacing = 11, .paragraphSpacing = 16};
+        auto complete = laidOut(text, 300, style);
+        complete.layOutMore(everything);
+        for (const double part : {0.0, 0.5, 0.99}) {
+            const double top = std::floor(complete.height() * part);
+            const auto picture = pictureAt(complete, top);
+            EXPECT_GT(testing::pixelsOf(Theme::ink(), picture, picture.rect()), 0);
+            auto fresh = laidOut(text, 300, style);
+            EXPECT_EQ(pictureAt(fresh, top), picture) << part;
+        }
+    }
+}
+
+TEST(TextBlock, paintsALongTextAlikeAfterManyOtherPlaces) {
+    auto block = laidOut(longText(), 300);
+    const auto beginning = pictureAt(block, 0);
+    block.layOutMore(everything);
+    const auto end = pictureAt(block, block.height() - 400);
+    for (double top = 0; top < block.height(); top += 300)
+        pictureAt(block, top);
+    EXPECT_EQ(pictureAt(block, 0), beginning);
+    EXPECT_EQ(pictureAt(block, block.height() - 400), end);
+    EXPECT_NE(beginning, end);
+}
+
+TEST(TextBlock, standsWhereItStoodWhenTheRestOfALongTextIsKnown) {
+    auto block = laidOut(longText(), 300);
+    const double height = block.height();
+    // Far below, after which all of it is laid out.
+    pictureAt(block, 2 * height);
+    EXPECT_EQ(block.height(), height);
+    EXPECT_TRUE(block.isHeightEstimated());
+    block.layOutMore(std::chrono::milliseconds(0));
+    EXPECT_FALSE(block.isHeightEstimated());
+}
+
+TEST(TextBlock, paintsOnlyWhatIsExposed) {
+    auto block = laidOut(longText(), 300);
+    QImage picture(300, 4'000, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    block.paint(painter, {0, 0}, Theme::ink(), {0, 1'000, 300, 200});
+    painter.end();
+    const int near = 4 * lineHeight();
+    EXPECT_GT(testing::pixelsOf(Theme::ink(), picture, {0, 1'000, 300, 200}), 50);
+    EXPECT_EQ(testing::pixelsOf(Theme::ink(), picture, {0, 0, 300, 1'000 - near}), 0);
+    EXPECT_EQ(testing::pixelsOf(Theme::ink(), picture, {0, 1'200 + near, 300, 2'000}), 0);
+}
+
+// What one of many lines needs, all get, and before anybody came there: the lines must not move later.
+TEST(TextBlock, makesRoomForTheLettersAtTheEndOfALongText) {
+    for (const auto &letters : {QStringLiteral("日記"), QStringLiteral("“Привет”"), QStringLiteral("שלום 12"),
+                                QStringLiteral("हिन्दी"), QStringLiteral("กำ"), QStringLiteral("😀 😀"),
+                                QStringLiteral("2 → 3 ≠ 4 ♥"), QStringLiteral("e\u0301")}) {
+        for (const auto &font : {Theme::mono(13), Theme::serif(14.5)}) {
+            const auto ending = QStringLiteral("last ") + letters + QLatin1Char('\n') + letters;
+            const auto few = laidOut(QStringLiteral("some words\n") + ending, 300, {font});
+            auto many = laidOut(longText() + ending, 300, {font});
+            EXPECT_EQ(many.firstBaseline(), few.firstBaseline()) << letters.toStdString();
+            many.layOutMore(everything);
+            EXPECT_EQ(many.firstBaseline(), few.firstBaseline()) << letters.toStdString();
+            EXPECT_EQ(many.lines().back().rect.height(), few.lines().back().rect.height());
         }
     }
 }

@@ -3,9 +3,11 @@
 #include <DiaryApp/ThemeLabel.h>
 
 #include <QAccessible>
+#include <QEvent>
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPixmap>
+#include <QTest>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -211,6 +213,37 @@ TEST(ThemeLabel, tellsWhereItsFirstLettersStand) {
     EXPECT_EQ(label.firstBaseline(), std::ceil(QFontMetricsF(style.font).ascent()));
     label.resize(label.width(), label.height() + 20);
     EXPECT_EQ(label.firstBaseline(), std::ceil(QFontMetricsF(style.font).ascent()) + 10);
+}
+
+// Gives its only child the height that this asks for.
+class PageOfOneLabel : public QWidget {
+public:
+    ThemeLabel *label = nullptr;
+
+protected:
+    bool event(QEvent *event) override {
+        if (event->type() == QEvent::LayoutRequest && label)
+            label->resize(label->width(), label->heightForWidth(label->width()));
+        return QWidget::event(event);
+    }
+};
+
+TEST(ThemeLabel, tellsTheHeightOfALongTextWhenItIsKnown) {
+    // The rest is longer than the beginning suggests.
+    const auto text = QStringLiteral("x\n").repeated(10'000) + (pangram + QLatin1Char('\n')).repeated(500);
+    PageOfOneLabel page;
+    page.label = new ThemeLabel(text, wrappingStyle(), &page);
+    page.label->setGeometry(0, 0, 150, 100);
+    page.resize(150, 600);
+    page.show();
+    const double known = static_cast<double>(page.label->lines().size()) * lineHeight(wrappingStyle());
+    EXPECT_LT(page.label->heightForWidth(150), known);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return page.label->height() == known; }));
+}
+
+TEST(ThemeLabel, asksForTheHeightOfAllOfALongText) {
+    ThemeLabel label((pangram + QLatin1Char('\n')).repeated(2'000), wrappingStyle());
+    EXPECT_EQ(label.sizeHint().height(), 2'001 * lineHeight(wrappingStyle()));
 }
 
 // How many pixels are nearer to the one colour than to white.
