@@ -282,7 +282,8 @@ void EntryView::takeKeyboard() {
 
 void EntryView::keepCaretVisible(const QRect &caret) {
     // The page has to have grown before it can be scrolled.
-    layOut();
+    if (m_textView->heightForWidth(m_textView->width()) != m_textView->height())
+        layOut();
     const QRect onPage(m_textView->mapTo(m_documentView, caret.topLeft()), caret.size());
     // What is clicked must not move away below the pointer.
     const bool isByMouse = QGuiApplication::mouseButtons() != Qt::NoButton;

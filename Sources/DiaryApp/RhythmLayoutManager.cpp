@@ -208,6 +208,9 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
         dirty.setTop(y);
         const auto end = last.next();
         const int textEnd = std::max(from, m_changedTextEnd);
+        // Where one types, the glyphs are soon wanted again: for the caret, and to be drawn.
+        if (first == last)
+            first.layout()->setCacheEnabled(true);
         int restyled = 0;
         for (auto block = first; block.isValid() && block != end; block = block.next()) {
             if (block.position() > textEnd && block.userData() && ++restyled > paragraphsRestyledAtOnce)
