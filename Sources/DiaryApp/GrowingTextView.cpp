@@ -245,9 +245,10 @@ QMimeData *GrowingTextView::createMimeDataFromSelection() const {
 }
 
 void GrowingTextView::repaintAround(const QRectF &rect) {
-    const int above = fixedLineHeight();
+    const int beside = fixedLineHeight();
     if (rect.isValid())
-        viewport()->update(rect.adjusted(-above, -above, above, above).toAlignedRect());
+        viewport()->update(
+            m_layoutManager->repaintedWith(rect).adjusted(-beside, 0, beside, 0).toAlignedRect());
     else
         viewport()->update();
 }

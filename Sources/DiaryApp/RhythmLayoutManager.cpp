@@ -23,6 +23,8 @@ constexpr double caretWidth = 2;
 constexpr double lineBreakWidth = 6;
 // Less spare room than this is not worth centring in.
 constexpr double leastSpareHeight = 1;
+// How far a caret may stand out of a line's box.
+constexpr double caretReach = 1;
 // More than any window shows below a change.
 constexpr int paragraphsRestyledAtOnce = 100;
 // Less than a frame, so that nobody waits for an idle moment to end.
@@ -32,6 +34,24 @@ double textHeight(const QFontMetricsF &metrics) {
     return metrics.ascent() + metrics.descent();
 }
 
+// Whether the unit is a letter or a sign that stays within its font's ascent and descent, as those of many
+// other scripts do not once they are stacked.
+bool isOfOrdinaryHeight(QChar unit) {
+    const char16_t c = unit.unicode();
+    const auto isWithin = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
+    return c < 0x0300                   // Latin
+           || isWithin(0x0370, 0x0482)  // Greek, Cyrillic
+           || isWithin(0x048A, 0x052F)  // more Cyrillic
+           || isWithin(0x2010, 0x2027)  // dashes, quotation marks
+           || isWithin(0x3000, 0x3029)  // Han punctuation
+           || isWithin(0x3041, 0x3096)  // Hiragana
+           || isWithin(0x30A0, 0x30FF)  // Katakana
+           || isWithin(0x3400, 0x4DBF)  // Han
+           || isWithin(0x4E00, 0x9FFF)  // Han
+           || isWithin(0xAC00, 0xD7A3)  // Hangul syllables
+           || isWithin(0xFF01, 0xFF9D); // fullwidth forms
+}
+
 } // namespace
 
 // What the lines of a block stand in; kept with the block.
@@ -39,6 +59,15 @@ class RhythmLayoutManager::BlockBoxes : public QTextBlockUserData {
 public:
     std::vector<LineBox> lines;
     bool isStale = false;
+    bool reachesOut = false; // letters may stand out of the boxes, up to a line's height
+
+    // The last that does not begin below, by its distance from the block's top.
+    const LineBox &lineAt(double y) const {
+        const auto below =
+            std::upper_bound(lines.begin() + 1, lines.end(), y,
+                             [](double height, const LineBox &line) { return height < line.top; });
+        return *(below - 1);
+    }
 
     double height() const { return lines.empty() ? 0 : lines.back().top + lines.back().height; }
 };
@@ -87,6 +116,9 @@ void RhythmLayoutManager::layOut(const QTextBlock &block) {
     QFont lastFont = document()->defaultFont();
     QFontMetricsF metrics(lastFont, paintDevice());
     double top = 0;
+    const auto text = block.text();
+    boxes->reachesOut =
+        !layout->preeditAreaText().isEmpty() || !std::all_of(text.begin(), text.end(), isOfOrdinaryHeight);
     layout->beginLayout();
     for (auto line = layout->createLine(); line.isValid(); line = layout->createLine()) {
         line.setLeadingIncluded(false);
@@ -103,6 +135,8 @@ void RhythmLayoutManager::layOut(const QTextBlock &block) {
         const double baseline = std::round(top + above + metrics.ascent());
         line.setPosition({0, baseline - line.ascent()});
         boxes->lines.push_back({top, height});
+        boxes->reachesOut |= line.y() < top + 2 * caretReach ||
+                             line.y() + line.ascent() + line.descent() > top + height - 2 * caretReach;
         top += height;
     }
     layout->endLayout();
@@ -164,7 +198,7 @@ void RhythmLayoutManager::layOutStale(std::optional<std::chrono::milliseconds> l
         m_firstStale.reset();
     }
     tellSize();
-    emit update(QRectF(0, top, m_width, 1e9));
+    emit update(QRectF(0, top - m_fixedLineHeight, m_width, 1e9));
 }
 
 // Before anybody is told where its lines are.
@@ -206,6 +240,7 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
         const auto previous = first.previous();
         double y = previous.isValid() ? blockBoundingRect(previous).bottom() : 0;
         dirty.setTop(y);
+        const bool reachedOut = reachesOut(first);
         const auto end = last.next();
         const int textEnd = std::max(from, m_changedTextEnd);
         // Where one types, the glyphs are soon wanted again: for the caret, and to be drawn.
@@ -225,6 +260,9 @@ void RhythmLayoutManager::documentChanged(int from, int oldLength, int length) {
         if (end.isValid() && end.layout()->position().y() == y)
             dirty.setBottom(y);
         placeFrom(end, y);
+        // What stood out of paragraphs that are no longer what they were goes, too.
+        if (first != last || reachedOut || dirty.bottom() != y)
+            dirty.adjust(0, -m_fixedLineHeight, 0, m_fixedLineHeight);
     }
     m_changedTextEnd = -1;
     tellSize();
@@ -238,6 +276,29 @@ QRectF RhythmLayoutManager::frameBoundingRect(QTextFrame *) const {
 QRectF RhythmLayoutManager::blockBoundingRect(const QTextBlock &block) const {
     const auto *boxes = block.isValid() ? static_cast<const BlockBoxes *>(block.userData()) : nullptr;
     return boxes ? QRectF(0, block.layout()->position().y(), m_width, boxes->height()) : QRectF();
+}
+
+QRectF RhythmLayoutManager::repaintedWith(const QRectF &rect) const {
+    const auto first = blockAt(rect.top());
+    const auto last = blockAt(rect.bottom() - caretReach);
+    if (reachesOut(first) || reachesOut(last))
+        return rect.adjusted(0, -m_fixedLineHeight, 0, m_fixedLineHeight);
+    const auto lineAt = [](const QTextBlock &block, double y) {
+        const double top = block.layout()->position().y();
+        const auto &line = static_cast<const BlockBoxes *>(block.userData())->lineAt(y - top);
+        return LineBox{top + line.top, line.height};
+    };
+    const auto topLine = lineAt(first, rect.top());
+    const auto bottomLine = lineAt(last, rect.bottom() - caretReach);
+    const double top = std::min(rect.top(), topLine.top);
+    const double bottom = std::max(rect.bottom(), bottomLine.top + bottomLine.height);
+    return {QPointF(rect.left(), top - caretReach), QPointF(rect.right(), bottom + caretReach)};
+}
+
+// Also while nothing is known of it.
+bool RhythmLayoutManager::reachesOut(const QTextBlock &block) {
+    const auto *boxes = static_cast<const BlockBoxes *>(block.userData());
+    return !boxes || boxes->reachesOut;
 }
 
 // The one that the height is in, else the first or the last.
@@ -365,14 +426,18 @@ void RhythmLayoutManager::drawSelections(QPainter *painter, const QTextBlock &bl
 void RhythmLayoutManager::draw(QPainter *painter, const PaintContext &context) {
     const auto clip = context.clip.isValid() ? context.clip : QRectF(0, 0, m_width, m_size.height());
     painter->setPen(context.palette.color(QPalette::Text));
-    catchUpWith(blockAt(clip.top()));
-    for (auto block = blockAt(clip.top()); block.isValid(); block = block.next()) {
+    // Letters may stand out of the lines next to those to be painted.
+    const auto around = clip.adjusted(0, -m_fixedLineHeight, 0, m_fixedLineHeight);
+    catchUpWith(blockAt(around.top()));
+    for (auto block = blockAt(around.top()); block.isValid(); block = block.next()) {
         catchUpWith(block);
         const auto rect = blockBoundingRect(block);
-        if (rect.top() > clip.bottom())
+        if (rect.top() > around.bottom())
             break;
+        if (!reachesOut(block) && (rect.bottom() < clip.top() || rect.top() > clip.bottom()))
+            continue;
         drawSelections(painter, block, context);
-        block.layout()->draw(painter, {0, 0}, {}, clip);
+        block.layout()->draw(painter, {0, 0}, {}, reachesOut(block) ? around : clip);
 
         int caret = context.cursorPosition;
         if (caret < -1) // within a text that is being composed

@@ -42,6 +42,10 @@ public:
     // The box of the line that the position is in.
     QRectF lineRect(int position) const;
 
+    // What has to be painted anew where glyphs, a caret or a selection in the rectangle have changed: the
+    // boxes of their lines, and more only where letters stand out of these.
+    QRectF repaintedWith(const QRectF &rect) const;
+
     void draw(QPainter *painter, const PaintContext &context) override;
     int hitTest(const QPointF &point, Qt::HitTestAccuracy accuracy) const override;
     int pageCount() const override { return 1; }
@@ -60,6 +64,7 @@ private:
     class BlockBoxes;
 
     static const std::vector<LineBox> &boxesOf(const QTextBlock &block);
+    static bool reachesOut(const QTextBlock &block);
     QTextBlock blockAt(double y) const;
     QFont fontAt(const QTextBlock &block, int position) const;
     void layOut(const QTextBlock &block);

@@ -14,6 +14,9 @@
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPaintEvent>
+#include <QRegion>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
@@ -26,7 +29,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <iterator>
 #include <memory>
+#include <random>
 
 namespace diary {
 namespace {
@@ -49,6 +54,23 @@ protected:
     void keyPressEvent(QKeyEvent *event) override {
         pageKeys += event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
     }
+};
+
+class PaintedArea : public QObject {
+public:
+    explicit PaintedArea(QWidget *widget) : m_widget(widget) { widget->installEventFilter(this); }
+
+    QRegion area;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override {
+        if (object == m_widget && event->type() == QEvent::Paint)
+            area += static_cast<QPaintEvent *>(event)->region();
+        return false;
+    }
+
+private:
+    QWidget *m_widget;
 };
 
 // A styled editor with the keyboard, between two fields.
@@ -93,6 +115,8 @@ protected:
         event.setCommitString(commit);
         QApplication::sendEvent(view, &event);
     }
+
+    QImage onScreen() { return window.screen()->grabWindow(window.winId()).toImage(); }
 
     QPoint pointAt(int position) {
         auto cursor = view->textCursor();
@@ -424,6 +448,7 @@ TEST_F(GrowingTextViewTest, paintsItsColours) {
     EXPECT_GT(pixelsOf(textColor, pictureOf(*view->viewport()), {0, 0, 40, rhythm}), 0);
 }
 
+// What stands on the screen, painted piece by piece, is what is painted as a whole.
 TEST_F(GrowingTextViewTest, leavesNoTraceOfACaretOrASelection) {
     view->setText(QStringLiteral("one two three\n# heading\nfour"));
     view->moveCursor(QTextCursor::End);
@@ -432,10 +457,81 @@ TEST_F(GrowingTextViewTest, leavesNoTraceOfACaretOrASelection) {
     QCoreApplication::processEvents();
     QTest::keyClick(view, Qt::Key_Home, Qt::ControlModifier);
     QCoreApplication::processEvents();
-    // What was painted piece by piece is what is painted as a whole.
-    const auto pieces = window.grab().toImage();
+    const auto pieces = onScreen();
     window.repaint();
-    EXPECT_EQ(pieces, window.grab().toImage());
+    EXPECT_EQ(pieces, onScreen());
+}
+
+TEST_F(GrowingTextViewTest, leavesNoTraceOfWhatWasThereBefore) {
+    const QString pieces[] = {QStringLiteral("word "),
+                              QStringLiteral("\n"),
+                              QStringLiteral("\n```\n"),
+                              QStringLiteral("\n# Ågj heading\n"),
+                              QStringLiteral("**bold** "),
+                              QStringLiteral("`code` "),
+                              QStringLiteral("שלום "),
+                              QStringLiteral("日記"),
+                              QStringLiteral("ก็ที่ปิ่น "),
+                              QStringLiteral("😀"),
+                              QStringLiteral("Z\u0310\u0352\u0352\u0352\u0352\u0323\u0323\u0323\u0323 "),
+                              QStringLiteral("a paragraph that needs several lines ").repeated(3)};
+    const int keys[] = {Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Up,   Qt::Key_Down,
+                        Qt::Key_Left,      Qt::Key_Right,  Qt::Key_Home, Qt::Key_End};
+    const int flashTime = QApplication::cursorFlashTime();
+    QApplication::setCursorFlashTime(0);
+    window.resize(width, 900);
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+        std::mt19937 random(seed);
+        const auto below = [&random](std::size_t limit) {
+            return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+        };
+        view->setText(QStringLiteral("start\n\nparagraph gj ").repeated(4));
+        for (int step = 0; step < 150; ++step) {
+            const auto action = below(10);
+            if (action < 3) {
+                view->textCursor().insertText(pieces[below(std::size(pieces))]);
+            } else if (action < 7) {
+                const auto modifiers = below(3) == 0 ? Qt::ShiftModifier : Qt::NoModifier;
+                QTest::keyClick(view, static_cast<Qt::Key>(keys[below(std::size(keys))]), modifiers);
+            } else if (action == 7) {
+                moveCaretTo(static_cast<int>(below(static_cast<std::size_t>(view->text().size()) + 1)));
+            } else if (action == 8) {
+                QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+            } else {
+                compose(QStringLiteral("にほん"), 1);
+                QCoreApplication::processEvents();
+                compose(QString(), 0, below(2) == 0 ? QStringLiteral("日本") : QString());
+            }
+            QCoreApplication::processEvents();
+            const auto painted = onScreen();
+            window.repaint();
+            ASSERT_EQ(painted, onScreen()) << "seed " << seed << ", step " << step;
+        }
+    }
+    QApplication::setCursorFlashTime(flashTime);
+}
+
+// So that a key costs no more than its own line.
+TEST_F(GrowingTextViewTest, paintsTheLineThatChangedAndNoOther) {
+    view->setText(QStringLiteral("above\nhere\nbelow\n"));
+    moveCaretTo(8);
+    QCoreApplication::processEvents();
+    window.repaint();
+    PaintedArea painted(view->viewport());
+    type("x");
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(painted.area.isEmpty());
+    EXPECT_GE(painted.area.boundingRect().top(), rhythm - 1);
+    EXPECT_LE(painted.area.boundingRect().bottom(), 2 * rhythm);
+    // Letters that may stand out of their line are painted wherever they reach.
+    view->setText(QStringLiteral("above\nhe\u0310re\nbelow\n"));
+    moveCaretTo(8);
+    QCoreApplication::processEvents();
+    painted.area = {};
+    type("x");
+    QCoreApplication::processEvents();
+    EXPECT_LE(painted.area.boundingRect().top(), 0);
+    EXPECT_GE(painted.area.boundingRect().bottom(), 3 * rhythm - 1);
 }
 
 TEST_F(GrowingTextViewTest, showsATextThatIsBeingComposed) {
