@@ -156,13 +156,12 @@ EntryView::Model entry(const DayState &state) {
 YearRailView::Model rail(const DayState &state, const std::function<void(std::int64_t)> &pickYear) {
     auto past = pastEntries(state);
     // The year that is being edited has a card also while it is empty or new.
-    const YearEntry viewed{.year = state.viewedYear,
-                           .body = state.draft,
-                           .charCount = charCount(state.draft),
-                           .excerpt = state.draft.trimmed().isEmpty() ? QString() : excerpt(state.draft)};
+    YearEntry viewed{.year = state.viewedYear, .body = state.draft, .excerpt = {}};
     const bool isListed = std::any_of(past.begin(), past.end(),
                                       [&](const auto *entry) { return entry->year == state.viewedYear; });
     if (state.viewedYear != state.currentYear && !isListed) {
+        viewed.charCount = charCount(viewed.body);
+        viewed.excerpt = viewed.body.trimmed().isEmpty() ? QString() : excerpt(viewed.body);
         const auto place = std::find_if(past.begin(), past.end(),
                                         [&](const auto *entry) { return entry->year < state.viewedYear; });
         past.insert(place, &viewed);

@@ -56,6 +56,11 @@ qsizetype charCount(QStringView text) {
     };
     qsizetype count = 0;
     for (qsizetype at = 0; at < text.size(); ++at) {
+        if (standsAlone(text[at])) {
+            // Each is looked at once: the count is shown with every key that is typed.
+            for (; at + 1 < text.size() && standsAlone(text[at + 1]); ++at)
+                count += text[at].isSpace() ? 0 : 1;
+        }
         if (isSafeBreakAfter(at)) {
             count += text[at].isSpace() ? 0 : 1;
             continue;
