@@ -87,10 +87,11 @@ std::string DiaryStore::loadText(MonthDay monthDay) {
     const auto file = fileURL(monthDay);
     nudgeDownloadIfEvicted(file);
     auto bytes = readDayFile(file, monthDay);
-    if (!m_seen || m_seen->monthDay != monthDay)
-        m_lastContent.clear();
-    if (bytes && !bytes->empty())
-        m_lastContent = *bytes;
+    const bool hasText = bytes && !bytes->empty();
+    if (hasText || !m_seen || m_seen->monthDay != monthDay)
+        m_lastContent = {};
+    else if (m_seen->bytes && !m_seen->bytes->empty())
+        m_lastContent = std::move(*m_seen->bytes);
     m_seen = Seen{monthDay, bytes};
     return bytes ? UnicodeText::repaired(std::move(*bytes)) : defaultText(monthDay);
 }

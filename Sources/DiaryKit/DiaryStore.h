@@ -247,8 +247,7 @@ private:
     std::set<MonthDay> m_awaitingDownload;
 
     std::optional<Seen> m_seen;
-    // The last text seen that was not empty, for the day of m_seen: an emptied file is not taken for the
-    // truth.
+    // While m_seen has no text, the last one that the day had: an emptied file is not taken for the truth.
     std::string m_lastContent;
     std::map<MonthDay, RecentSave> m_recentSaves;
     bool m_swept = false;

@@ -110,7 +110,7 @@ DiaryStore::Saved DiaryStore::save(std::string_view text, MonthDay monthDay) {
     auto whole = withOverwrittenSave(withYearsOfEmptiedFile(text, monthDay), monthDay);
     auto saved = writeDayFile(m_seen->bytes, std::move(whole), monthDay);
     m_seen = Seen{monthDay, saved.text};
-    m_lastContent = saved.text;
+    m_lastContent = {};
     return saved;
 }
 
