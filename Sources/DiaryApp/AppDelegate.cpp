@@ -157,15 +157,20 @@ void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
     else
         showMainWindow();
     perform(action);
-    for (const auto &request : std::exchange(m_postponedLaunches, {}))
+    bool isSearch = action == LaunchAction::Search;
+    for (const auto &request : std::exchange(m_postponedLaunches, {})) {
         answerLaunch(request);
+        isSearch |= request.action == LaunchAction::Search;
+    }
     if (isDebugScenario())
         runDebugScenario(*this);
     observeUpdates();
     tellOfRescuedTexts();
     maybeShowOnboarding();
+    // What was typed to be searched for does not belong into the diary.
     if (blankWindow)
-        blankWindow->catchUp(m_mainWindowController->textView(), *m_mainWindowController->window());
+        blankWindow->catchUp(isSearch ? nullptr : m_mainWindowController->textView(),
+                             *m_mainWindowController->window());
 }
 
 // The window stays where the user has it by now.
@@ -175,8 +180,11 @@ void AppDelegate::fill(const BlankWindow &blankWindow) {
     if (!window->isActiveWindow() && !window->isMinimized()) {
         window->raise();
         window->activateWindow();
+    } else {
+        // It was for this start, and must not be used for a window that is opened later.
+        qunsetenv("XDG_ACTIVATION_TOKEN");
     }
-    if (!blankWindow.hasRememberedFrame())
+    if (blankWindow.isAsFirstMade(*window))
         m_mainWindowController->takeInitialSize();
 }
 
@@ -411,7 +419,8 @@ void AppDelegate::tellOfRescuedTexts() {
 }
 
 void AppDelegate::applicationStateChanged(Qt::ApplicationState state) {
-    if (!m_mainWindowController)
+    // What is read while the window is blank is new.
+    if (!m_mainWindowController || m_blankWindow)
         return;
     if (state != Qt::ApplicationActive) {
         m_mainWindowController->session().flushSaveIfDirty();

@@ -9,8 +9,7 @@
 namespace diary {
 
 ApplicationStart::ApplicationStart() {
-    // One heap for the main thread and one for all others, instead of one for each of a dozen: near a
-    // megabyte.
+    // Two heaps for all threads, instead of one for each of a dozen: near a megabyte.
     mallopt(M_ARENA_MAX, 2);
     // Chosen before the application object, so that the desktop's own style is never loaded.
     QApplication::setStyle(new WindowStyle);

@@ -30,6 +30,10 @@ QSize expectedMenuBar() {
     return {0, qRound(size * linePerPixel) + room};
 }
 
+QSize initialSize() {
+    return MainWindowLayout::initialSize + expectedMenuBar();
+}
+
 class BlankPage : public QWidget {
 public:
     BlankPage() { setMinimumSize(MainWindowLayout::minimumSize + expectedMenuBar()); }
@@ -55,7 +59,7 @@ BlankWindow::BlankWindow(const QString &title, Clock &clock)
     m_window->setObjectName(QStringLiteral("DiaryMainWindow"));
     m_window->setWindowTitle(title);
     m_window->setCentralWidget(new BlankPage);
-    m_window->resize(MainWindowLayout::initialSize + expectedMenuBar());
+    m_window->resize(initialSize());
     m_hasRememberedFrame = WindowFrame::restore(*m_window);
 }
 
@@ -63,6 +67,11 @@ BlankWindow::~BlankWindow() = default;
 
 QMainWindow *BlankWindow::window() const {
     return m_window.get();
+}
+
+bool BlankWindow::isAsFirstMade(const QWidget &window) const {
+    return !m_hasRememberedFrame && window.size() == initialSize() && !window.isMaximized() &&
+           !window.isFullScreen();
 }
 
 std::unique_ptr<QMainWindow> BlankWindow::take() {

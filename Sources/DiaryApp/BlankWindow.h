@@ -36,7 +36,8 @@ public:
 
     // None when it was taken.
     QMainWindow *window() const;
-    bool hasRememberedFrame() const { return m_hasRememberedFrame; }
+    // Nothing was remembered, and neither the user nor the desktop has given the window another size yet.
+    bool isAsFirstMade(const QWidget &window) const;
 
     void show();
 
@@ -49,8 +50,8 @@ public:
     // To be filled, but not before this is ready. It is watched until this goes.
     std::unique_ptr<QMainWindow> take();
 
-    // What the user did meanwhile: hands on the keys that were pressed, in their order, and then closes the
-    // window if it was to be closed.
+    // What the user did meanwhile: hands on what was typed, in its order, and then closes the window if it
+    // was to be closed. Shortcuts and what an input method would have made of the keys are lost.
     void catchUp(QObject *editor, QWidget &filledWindow);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -34,6 +34,11 @@ void *ProgramModule::symbol(const char *name) {
 
 // Not by QLibrary, which knows a file by its name in UTF-16 alone.
 void *ProgramModule::load() {
+    // Else it would be looked for wherever the program was started.
+    if (m_file.is_relative()) {
+        m_error = m_file.native() + ": not a whole path";
+        return nullptr;
+    }
     auto *handle = dlopen(m_file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     auto *symbol = handle ? dlsym(handle, m_versionName) : nullptr;
     if (!symbol) {

@@ -415,6 +415,13 @@ TEST_F(BlankStartTest, doesWhatItIsLaunchedForWhenItIsFilled) {
     EXPECT_TRUE(isSearching());
 }
 
+TEST_F(BlankStartTest, keepsWhatIsTypedForTheSearchOutOfTheDiary) {
+    launch(LaunchAction::Search);
+    QTest::keyClicks(shownWindow(), QStringLiteral("heron"));
+    ASSERT_TRUE(getsFilled());
+    EXPECT_EQ(delegate->mainWindowController()->textView()->text(), QString());
+}
+
 TEST_F(BlankStartTest, answersAnotherLaunchWhenItIsFilled) {
     launch();
     clock.advance(BlankWindow::usualWait);
@@ -441,6 +448,32 @@ TEST_F(BlankStartTest, endsWithTheTextSavedWhenItIsClosedBeforeItIsFilled) {
     QTest::keyClicks(shownWindow(), QStringLiteral("Last words"));
     EXPECT_EQ(runUntilEndedBy([] { shownWindow()->close(); }), 0);
     EXPECT_EQ(folder.read("vault/03-14.md"), "# 03-14\n\n## 2025\n\nLast words\n");
+}
+
+TEST_F(BlankStartTest, keepsTheSizeThatTheDesktopGivesItBeforeItIsFilled) {
+    launch();
+    auto *window = shownWindow();
+    window->resize(1500, 900);
+    ASSERT_TRUE(getsFilled());
+    EXPECT_EQ(window->size(), QSize(1500, 900));
+    delegate.reset();
+
+    launch();
+    window = shownWindow();
+    window->showMaximized();
+    ASSERT_TRUE(getsFilled());
+    EXPECT_TRUE(window->isMaximized());
+    // The screen here is small.
+    EXPECT_LT(window->width(), 1360);
+}
+
+TEST_F(BlankStartTest, doesNothingForAnActivationBeforeItIsFilled) {
+    launch();
+    clock.advance(BlankWindow::usualWait);
+    ASSERT_NE(delegate->mainWindowController(), nullptr);
+    emit qApp->applicationStateChanged(Qt::ApplicationActive);
+    EXPECT_EQ(updates.dueChecks, 0);
+    ASSERT_TRUE(getsFilled());
 }
 
 TEST_F(BlankStartTest, staysMinimizedWhenItIsMinimizedBeforeItIsFilled) {

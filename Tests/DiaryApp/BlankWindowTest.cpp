@@ -82,7 +82,9 @@ TEST_F(BlankWindowTest, isAsHighAsTheFilledWindowGiveOrTakeAFewPixels) {
     const int height = MainWindowLayout::initialSize.height() + filled.menuBar()->sizeHint().height();
     EXPECT_LE(std::abs(blank->window()->height() - height), 3);
     EXPECT_EQ(blank->window()->width(), 1360);
-    EXPECT_FALSE(blank->hasRememberedFrame());
+    EXPECT_TRUE(blank->isAsFirstMade(*blank->window()));
+    blank->window()->resize(1200, 700);
+    EXPECT_FALSE(blank->isAsFirstMade(*blank->window()));
 }
 
 TEST_F(BlankWindowTest, standsWhereTheWindowWasLeft) {
@@ -90,7 +92,7 @@ TEST_F(BlankWindowTest, standsWhereTheWindowWasLeft) {
     blank->window()->setGeometry(30, 40, 1200, 700);
     WindowFrame::remember(*blank->window());
     show();
-    EXPECT_TRUE(blank->hasRememberedFrame());
+    EXPECT_FALSE(blank->isAsFirstMade(*blank->window()));
     EXPECT_EQ(blank->window()->geometry(), QRect(30, 40, 1200, 700));
     EXPECT_EQ(blank->window()->windowTitle(), QStringLiteral("03-14.md[*]"));
 }

@@ -62,6 +62,14 @@ TEST(ProgramModule, tellsWhyItCannotBeLoaded) {
     }
 }
 
+TEST(ProgramModule, isNotLookedForInTheWorkingFolder) {
+    const testing::TemporaryFolder folder;
+    const auto file = fs::relative(copied(TAVELO_TEST_PHOTO_MODULE, folder / "part.so"));
+    ASSERT_TRUE(fs::exists(file));
+    ProgramModule module(file, photosVersionName);
+    EXPECT_EQ(module.function<MakePhotoSource>(makePhotoSourceName), nullptr);
+}
+
 TEST(ProgramModule, isLoadedOnceItIsThere) {
     const testing::TemporaryFolder folder;
     ProgramModule module(folder / "part.so", photosVersionName);
