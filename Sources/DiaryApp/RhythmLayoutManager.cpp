@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <DiaryApp/RhythmLayoutManager.h>
+#include <DiaryApp/SimpleScripts.h>
 
 #include <QFontMetricsF>
 #include <QGlyphRun>
@@ -32,24 +33,6 @@ constexpr std::chrono::milliseconds idleSlice{4};
 
 double textHeight(const QFontMetricsF &metrics) {
     return metrics.ascent() + metrics.descent();
-}
-
-// Whether the unit is a letter or a sign that stays within its font's ascent and descent, as those of many
-// other scripts do not once they are stacked.
-bool isOfOrdinaryHeight(QChar unit) {
-    const char16_t c = unit.unicode();
-    const auto isWithin = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
-    return c < 0x0300                   // Latin
-           || isWithin(0x0370, 0x0482)  // Greek, Cyrillic
-           || isWithin(0x048A, 0x052F)  // more Cyrillic
-           || isWithin(0x2010, 0x2027)  // dashes, quotation marks
-           || isWithin(0x3000, 0x3029)  // Han punctuation
-           || isWithin(0x3041, 0x3096)  // Hiragana
-           || isWithin(0x30A0, 0x30FF)  // Katakana
-           || isWithin(0x3400, 0x4DBF)  // Han
-           || isWithin(0x4E00, 0x9FFF)  // Han
-           || isWithin(0xAC00, 0xD7A3)  // Hangul syllables
-           || isWithin(0xFF01, 0xFF9D); // fullwidth forms
 }
 
 } // namespace
@@ -117,8 +100,9 @@ void RhythmLayoutManager::layOut(const QTextBlock &block) {
     QFontMetricsF metrics(lastFont, paintDevice());
     double top = 0;
     const auto text = block.text();
+    // Letters of simple scripts stay within their font's ascent and descent.
     boxes->reachesOut =
-        !layout->preeditAreaText().isEmpty() || !std::all_of(text.begin(), text.end(), isOfOrdinaryHeight);
+        !layout->preeditAreaText().isEmpty() || !std::all_of(text.begin(), text.end(), isOfSimpleScript);
     layout->beginLayout();
     for (auto line = layout->createLine(); line.isValid(); line = layout->createLine()) {
         line.setLeadingIncluded(false);

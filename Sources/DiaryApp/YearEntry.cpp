@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <DiaryApp/SimpleScripts.h>
 #include <DiaryApp/Text.h>
 #include <DiaryApp/YearEntry.h>
 #include <DiaryKit/YearSectionParser.h>
@@ -19,19 +20,8 @@ constexpr qsizetype likelyExcerptUnits = 128;
 bool standsAlone(QChar unit) {
     const char16_t c = unit.unicode();
     const auto isWithin = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
-    return (c < 0x0300 && c != u'\r')   // Latin
-           || isWithin(0x0370, 0x0482)  // Greek, Cyrillic
-           || isWithin(0x048A, 0x052F)  // more Cyrillic
-           || isWithin(0x05D0, 0x05EA)  // Hebrew
-           || isWithin(0x0620, 0x064A)  // Arabic
-           || isWithin(0x2010, 0x2027)  // dashes, quotation marks
-           || isWithin(0x3000, 0x3029)  // Han punctuation
-           || isWithin(0x3041, 0x3096)  // Hiragana
-           || isWithin(0x30A0, 0x30FF)  // Katakana
-           || isWithin(0x3400, 0x4DBF)  // Han
-           || isWithin(0x4E00, 0x9FFF)  // Han
-           || isWithin(0xAC00, 0xD7A3)  // Hangul syllables
-           || isWithin(0xFF01, 0xFF9D); // fullwidth forms
+    return (isOfSimpleScript(unit) && c != u'\r') || isWithin(0x05D0, 0x05EA) // Hebrew
+           || isWithin(0x0620, 0x064A);                                       // Arabic
 }
 
 bool isLineBreak(QChar unit) {
