@@ -72,10 +72,11 @@ std::optional<std::string> DiaryStore::readDayFile(const fs::path &file, MonthDa
     std::error_code error;
     auto bytes = readWholeFile(file, error);
     for (int look = 0; look < replacementLooks; ++look) {
-        const bool missing = error == std::errc::no_such_file_or_directory && expectsFile(monthDay);
-        const bool failed = error && error != std::errc::no_such_file_or_directory;
+        // What was expected under another name may have come between the two looks.
+        if (error == std::errc::no_such_file_or_directory && !expectsFile(monthDay))
+            return readWholeFile(file, error);
         const bool emptied = bytes && bytes->empty() && hadContent;
-        if (!missing && !failed && !emptied)
+        if (!error && !emptied)
             break;
         std::this_thread::sleep_for(replacementPause);
         bytes = readWholeFile(file, error);
