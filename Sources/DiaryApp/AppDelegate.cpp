@@ -137,7 +137,9 @@ void AppDelegate::makeFirstMainWindow() {
 }
 
 void AppDelegate::applicationDidFinishLaunching(LaunchAction action) {
-    prepareAppearance();
+    // Else the fonts that the views were made with would be looked for once more.
+    if (!m_blankWindow)
+        prepareAppearance();
     // A scripted run writes what it is told to and takes a picture; it may look at a vault in use.
     if (!isDebugScenario() && !claimVault(action)) {
         QCoreApplication::exit();

@@ -22,11 +22,11 @@ namespace {
 QSize expectedMenuBar() {
     constexpr double linePerPixel = 1.36;
     constexpr int room = 7;
+    constexpr double usualDotsPerInch = 96;
     const auto font = QGuiApplication::font();
-    const double size =
-        font.pixelSize() > 0
-            ? font.pixelSize()
-            : font.pointSizeF() * QGuiApplication::primaryScreen()->logicalDotsPerInchY() / 72;
+    const auto *screen = QGuiApplication::primaryScreen();
+    const double dotsPerInch = screen ? screen->logicalDotsPerInchY() : usualDotsPerInch;
+    const double size = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * dotsPerInch / 72;
     return {0, qRound(size * linePerPixel) + room};
 }
 

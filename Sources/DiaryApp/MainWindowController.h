@@ -47,8 +47,8 @@ public:
 
     // Opens today on the store. The actions are those that concern the whole program; the window adds its own
     // and has them all in its menu. Without a library there are no photos but scripted ones; without a
-    // preview they are not shown large. The window may be given, shown already;
-    // it is filled by showWindow(), and keeps its size.
+    // preview they are not shown large. The window may be given, shown already; it is filled by showWindow(),
+    // and keeps its size.
     MainWindowController(std::unique_ptr<DiaryStore> store, Clock &clock, FileManager &fileManager,
                          MenuActions programActions = {},
                          std::unique_ptr<DayPhotoLibrary> photoLibrary = nullptr,
@@ -68,7 +68,7 @@ public:
     // None where there is nothing to edit.
     GrowingTextView *textView() const;
 
-    // For a window that was given and has none of its own.
+    // For a given window whose size was a guess.
     void takeInitialSize();
 
     void showWindow();
